@@ -206,7 +206,7 @@ public:
     const std::vector<std::string>& Breaches() const { return mBreaches; }
 
 private:
-    friend class PlatformCalls;
+    friend class PlatformCalls;  // what the C functions do with the script
 
     struct Converter
     {
