@@ -206,7 +206,7 @@ TEST(AudioSpecificConfig, ComesOutOfEveryFormOfCookie)
 
 TEST(AudioSpecificConfig, ComesOutOfADescriptorWithLongLengthsAndOptionalFields)
 {
-    const Bytes descriptor = {0x03, 0x80, 0x80, 0x80, 0x25, 0,    1,    0xE0, 9,    9,    2,
+    const Bytes descriptor = {0x03, 0x80, 0x80, 0x80, 0x26, 0,    1,    0xE0, 9,    9,    2,
                               'a',  'b',  7,    7,    0x04, 0x80, 0x80, 0x80, 0x17, 0x40, 0x15,
                               0,    0,    0,    0,    0,    0,    0,    0,    0,    0,    0,
                               0x05, 0x80, 0x80, 0x80, 0x05, 0x13, 0x90, 0x56, 0xE5, 0xA0};
