@@ -1,0 +1,64 @@
+#include "Tarvo_PlugIns/TarvoAT/private/TarvoATInterface.h"
+
+#include "Tarvo_PlugIns/Common/Module/private/Module.h"
+#include "Tarvo_PlugIns/TarvoAT/private/TarvoResultFromErrorSite.h"
+
+#include <kelpcore/config/Localizer.h>
+
+namespace tarvo
+{
+
+std::int32_t TarvoATInterface::GetTarvoInfo(TarvoGetTarvoInfoInterface&)
+{
+    module::Initialize();
+    return kTarvoResultNotImplemented;
+}
+
+std::int32_t TarvoATInterface::Initialize()
+{
+    return kTarvoResultNotImplemented;
+}
+
+std::int32_t TarvoATInterface::GetDefaultExportSettings(TarvoFormatInterface&)
+{
+    return kTarvoResultNotImplemented;
+}
+
+std::int32_t TarvoATInterface::GetExportSettingsInfo(TarvoGetExportSettingsInfoInterface&)
+{
+    return kTarvoResultNotImplemented;
+}
+
+std::int32_t TarvoATInterface::RunExportSettingsDialog(TarvoFormatInterface&, void*, long long,
+                                                       bool&)
+{
+    return kTarvoResultNotImplemented;
+}
+
+std::int32_t TarvoATInterface::WriteStart(TarvoWriteStartInterface&, ATWriter*&)
+{
+    return kTarvoResultNotImplemented;
+}
+
+std::int32_t TarvoATInterface::WriteSamples(ATWriter&, TarvoWriteSamplesInterface&)
+{
+    return kTarvoResultNotImplemented;
+}
+
+std::int32_t TarvoATInterface::FinishWrite(ATWriter&, bool, const TarvoFormatInterface&)
+{
+    return kTarvoResultNotImplemented;
+}
+
+std::int32_t TarvoATInterface::ReportFailure(const char* inGeneralText,
+                                             appleaudiotoolbox::ExtendedErrorInfo& ioInfo)
+{
+    const std::int32_t result = TarvoResultFromErrorSite(ioInfo.mSite);
+    ioInfo.mMessage = kelpcore::config::Localizer::Get().Translate(inGeneralText);
+    appleaudiotoolbox::SetExtendedErrorString(ioInfo);
+    if (mErrorInterface)
+        mErrorInterface->SetErrorText(ioInfo.mMessage.c_str());
+    return result;
+}
+
+}  // namespace tarvo
