@@ -22,9 +22,9 @@ public:
     UTF16String Translate(const char* inLiteral) const;
 
     /// Adds the entries of a dictionary file (UTF-8, one "$$$/key=text" a line, "#" starts a
-    /// comment line, "\n" stands for a line feed and "\\" for a backslash); a later entry replaces
-    /// an earlier one. False, with the dictionary as it was, when the file cannot be read, is no
-    /// UTF-8 or has a line of another form.
+    /// comment line, empty lines say nothing, "\n" stands for a line feed and "\\" for a
+    /// backslash); a later entry replaces an earlier one. False, with the dictionary as it was,
+    /// when the file cannot be read, is no UTF-8 or has a line of another form.
     bool LoadDictionary(const char* inPath);
 
     /// Back to the English defaults.

@@ -17,6 +17,9 @@ KELPCORE_EXPORT unsigned int TraceChangeCount();
 /// it is not the answer.
 KELPCORE_EXPORT bool TraceEnabled(const char* inArea, int inLevel, bool inRegister);
 
+/// Whether some place has noted this area.
+KELPCORE_EXPORT bool TraceAreaExists(const char* inArea);
+
 /// Hands a composed line (with its line break) to the sink; standard error without one.
 KELPCORE_EXPORT void Trace(std::string_view inLine);
 

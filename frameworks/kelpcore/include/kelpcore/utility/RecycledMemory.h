@@ -22,7 +22,7 @@ public:
 };
 
 /// Owns one block of the recycler. A size of 0 takes no block, and Get is null then, as it is when
-/// out of memory.
+/// out of memory; Size is 0 in both cases.
 class KELPCORE_EXPORT RecycledMemory
 {
 public:
