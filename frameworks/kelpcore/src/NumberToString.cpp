@@ -67,7 +67,7 @@ void Round(Decimal& ioDecimal, int inFractionDigits)
         ioDecimal.mDigits.erase(ioDecimal.mDigits.find_last_not_of('9') + 1);
         if (ioDecimal.mDigits.empty())
         {
-            ioDecimal.mDigits = "0";
+            ioDecimal.mDigits.push_back('0');
             ++ioDecimal.mExponent;
         }
         ++ioDecimal.mDigits.back();
@@ -109,11 +109,16 @@ std::string PlainText(double inNumber, std::size_t inMinIntegerDigits, int inMax
     const std::string fraction = FractionText(decimal);
     std::string text = IntegerText(decimal, inMinIntegerDigits);
     if (text.empty() && fraction.empty())
-        text = "0";
+        text.push_back('0');
     if (!fraction.empty())
-        text.append(1, '.').append(fraction);
+    {
+        text.push_back('.');
+        text.append(fraction);
+    }
     // What rounds to zero has no sign.
-    return inNumber < 0 && !decimal.mDigits.empty() ? '-' + text : text;
+    if (inNumber < 0 && !decimal.mDigits.empty())
+        text.insert(text.begin(), '-');
+    return text;
 }
 
 }  // namespace

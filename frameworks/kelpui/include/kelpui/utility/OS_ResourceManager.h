@@ -12,7 +12,7 @@
 namespace kelpui::utility
 {
 
-class KELPUI_EXPORT OS_ResourceManager : public ResourceManager
+class KELPUI_EXPORT OS_ResourceManager final : public ResourceManager
 {
 public:
     /// inBundle may be null: there is no resource then. Bundles live to the end of the process, so
