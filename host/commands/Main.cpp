@@ -1,0 +1,79 @@
+// tarvo: a host for the plug-in, on the command line.
+
+#include "host/Interrupt.h"
+#include "host/Report.h"
+#include "host/commands/Commands.h"
+
+#include "kelpcore/debug/Trace.h"
+
+#include <cstdio>
+
+namespace
+{
+
+void AddCommonOptions(CLI::App& ioProgram, host::CommonOptions& outCommon)
+{
+    ioProgram.require_subcommand(1);
+    ioProgram.set_help_all_flag("--help-all", "Help on every command");
+    for (CLI::App* command : ioProgram.get_subcommands(nullptr))
+    {
+        command->add_flag("--json", outCommon.mJSON, "One JSON object a line");
+        command
+            ->add_option("--trace", outCommon.mTraceLevel,
+                         "Diagnostic lines up to this level on standard error")
+            ->check(CLI::Range(0, 9));
+        command->add_option("--plug-in", outCommon.mBundle,
+                            "Bundle to load instead of tarvo's own");
+    }
+}
+
+int Run(const host::CommonOptions& inCommon, const host::Work& inWork)
+{
+    try
+    {
+        kelpcore::debug::SetTraceLevel(inCommon.mTraceLevel);
+        const host::PlugIn plugIn(inCommon.mBundle);
+        const int code = inWork(plugIn);
+        host::FlushOutput();
+        return code;
+    }
+    catch (const host::Interrupted& interrupted)
+    {
+        return host::kExitSignalBase + interrupted.mSignal;
+    }
+    catch (const host::Failure& failure)
+    {
+        host::PrintFailure(failure, "", inCommon.mJSON);
+        return failure.mExitCode;
+    }
+    catch (const std::bad_alloc&)
+    {
+        std::fputs("tarvo: out of memory\n", stderr);
+        return host::kExitFailed;
+    }
+}
+
+}  // namespace
+
+int main(int argc, char** argv)
+{
+    host::WatchInterrupts();
+
+    CLI::App program("Reads audio files through the plug-in.", "tarvo");
+    host::CommonOptions common;
+    host::Work work;
+    host::AddInfoCommand(program, common, work);
+    host::AddDecodeCommand(program, common, work);
+    host::AddBenchReadCommand(program, common, work);
+    AddCommonOptions(program, common);
+
+    try
+    {
+        program.parse(argc, argv);
+    }
+    catch (const CLI::ParseError& error)
+    {
+        return program.exit(error) == 0 ? host::kExitDone : host::kExitUsage;
+    }
+    return Run(common, work);
+}
