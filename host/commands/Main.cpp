@@ -46,9 +46,9 @@ int Run(const host::CommonOptions& inCommon, const host::Work& inWork)
         host::PrintFailure(failure, "", inCommon.mJSON);
         return failure.mExitCode;
     }
-    catch (const std::bad_alloc&)
+    catch (const std::exception& error)  // out of memory, above all
     {
-        std::fputs("tarvo: out of memory\n", stderr);
+        std::fprintf(stderr, "tarvo: %s\n", error.what());
         return host::kExitFailed;
     }
 }
