@@ -109,8 +109,9 @@ private:
     bool SetUpPriming(const AudioStreamBasicDescription& inFileFormat, ExtendedErrorInfo& outInfo);
     bool SetUpPackets(ExtendedErrorInfo& outInfo);
     bool ReadPacketSizeUpperBound();
-    bool FillFrames(int inFrames, UInt32 inBytes, int& outFramesDone, ExtendedErrorInfo& outInfo);
-    void CutBehindTheEnd(int inFramesDone, UInt32& ioFrames);
+    bool FillFrames(int inFrames, UInt32 inBytes, SInt64& outFramesDone,
+                    ExtendedErrorInfo& outInfo);
+    void CutBehindTheEnd(SInt64 inFramesDone, UInt32& ioFrames);
 
     kelpcore::utility::AutoCFRef<CFURLRef> mURL;
     AudioFileID mAudioFile;
