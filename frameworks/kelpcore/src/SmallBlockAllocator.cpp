@@ -2,7 +2,10 @@
 // or into another thread's list, at any time.
 #include "kelpcore/utility/SmallBlockAllocator.h"
 
-#if defined(__SANITIZE_ADDRESS__)
+// KELPCORE_KEEP_BLOCKS asks for the lists under the sanitizer too, for their own tests.
+#if defined(KELPCORE_KEEP_BLOCKS)
+#define KELPCORE_HEAP_ONLY 0
+#elif defined(__SANITIZE_ADDRESS__)
 #define KELPCORE_HEAP_ONLY 1
 #elif defined(__has_feature)
 #if __has_feature(address_sanitizer)
@@ -13,7 +16,7 @@
 namespace kelpcore::utility
 {
 
-#if defined(KELPCORE_HEAP_ONLY)
+#if KELPCORE_HEAP_ONLY
 
 // The sanitizer finds an error in a block only when the heap knows the block's true size and life.
 void* AllocateSmallBlock(std::size_t inBytes)
