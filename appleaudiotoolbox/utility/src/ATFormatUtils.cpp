@@ -57,6 +57,12 @@ const char* FindText(const LineText (&inLines)[kCount], std::int64_t inValue,
     return inOtherwise;
 }
 
+void AppendLine(UTF16String& ioText, const char* inLiteral)
+{
+    ioText += u'\n';
+    ioText += Translate(inLiteral);
+}
+
 // A text with the code as four characters and as a hexadecimal number.
 UTF16String DescribeBareCode(const char* inLiteral, unsigned int inCode)
 {
@@ -152,17 +158,19 @@ UTF16String GetDescriptionString(CAStreamBasicDescription inFormat, unsigned int
 {
     UTF16String result;
     if (inFileTypeID != 0)
-        result = GetFileTypeDescriptionString(inFileTypeID) + u"\n";
+        result = GetFileTypeDescriptionString(inFileTypeID) + u'\n';
     result += FormatName(inFormat);
     if (inBitrateMode < 0 || inFormat.mBitsPerChannel != 0)
         return result;
 
     if (inQuality >= 0 && inBitrateMode == kAudioCodecBitRateControlMode_Variable &&
         inFormat.mBytesPerPacket == 0)
-        return result + u"\n" + Translate(FindText(kQualityLines, inQuality, kLowestQuality));
-
+    {
+        AppendLine(result, FindText(kQualityLines, inQuality, kLowestQuality));
+        return result;
+    }
     if (const char* const line = FindText(kModeLines, inBitrateMode, nullptr); line != nullptr)
-        result += u"\n" + Translate(line);
+        AppendLine(result, line);
     // The whole text is filled in, the names of the platform too.
     return kelpcore::utility::ReplaceInString(result, BitrateText(inBitrate));
 }
