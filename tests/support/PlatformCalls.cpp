@@ -40,6 +40,12 @@ void PlatformCalls::SetCurrent(ScriptedPlatform* inPlatform)
     sCurrent = inPlatform;
 }
 
+void PlatformCalls::Cross(bool inIsInside)
+{
+    if (mPlatform.mCrossingHook)
+        mPlatform.mCrossingHook(inIsInside);
+}
+
 void PlatformCalls::Expect(bool inKept, const std::string& inBreach)
 {
     if (!inKept)
@@ -91,7 +97,9 @@ OSStatus PlatformCalls::MakeConverter(const AudioStreamBasicDescription& inSourc
     if (mPlatform.mConverterMaker)
         answer = mPlatform.mConverterMaker(inSource, inDestination);
     answer.mStatus = Outcome(answer.mStatus);
-    if (outConverter && (answer.mStatus == noErr || answer.mLeavesConverter))
+    const bool hasConverter =
+        answer.mStatus == noErr ? !answer.mForgetsConverter : answer.mLeavesConverter;
+    if (outConverter && hasConverter)
     {
         mPlatform.mLastHandle += 16;
         *outConverter = reinterpret_cast<AudioConverterRef>(mPlatform.mLastHandle);
@@ -239,8 +247,10 @@ OSStatus PlatformCalls::Pull(AudioConverterRef inConverter,
     AudioBufferList list = {1, {{0, 0, nullptr}}};
     UInt32 packets = inStep.mCount;
     const bool isBare = inStep.mKind == FillStep::Kind::PullBare;
+    Cross(false);
     const OSStatus status =
         inProc(inConverter, &packets, &list, isBare ? nullptr : &descriptions, inUser);
+    Cross(true);
 
     const AudioBuffer& input = list.mBuffers[0];
     const auto* data = static_cast<const UInt8*>(input.mData);

@@ -14,6 +14,9 @@ public:
     /// The calls of the platform that lives; ends the test program if there is none.
     static PlatformCalls Current();
     static void SetCurrent(ScriptedPlatform* inPlatform);
+    ~PlatformCalls() { Cross(false); }
+    PlatformCalls(const PlatformCalls&) = delete;
+    PlatformCalls& operator=(const PlatformCalls&) = delete;
 
     void Note(const std::string& inCall) { mPlatform.mCalls.push_back(inCall); }
     /// Notes a breach unless inKept.
@@ -45,7 +48,9 @@ public:
                   void* inUser, UInt32* ioPackets, AudioBufferList* ioData);
 
 private:
-    explicit PlatformCalls(ScriptedPlatform& inPlatform) : mPlatform(inPlatform) {}
+    explicit PlatformCalls(ScriptedPlatform& inPlatform) : mPlatform(inPlatform) { Cross(true); }
+
+    void Cross(bool inIsInside);
 
     OSStatus Pull(AudioConverterRef inConverter, AudioConverterComplexInputDataProc inProc,
                   void* inUser, const FillStep& inStep);

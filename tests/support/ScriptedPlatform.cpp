@@ -107,16 +107,15 @@ void ScriptedPlatform::MakeConvertersWith(ConverterMaker inMaker)
 
 void ScriptedPlatform::FailConverters(OSStatus inStatus)
 {
-    MakeConvertersWith(
-        [=](const AudioStreamBasicDescription&, const AudioStreamBasicDescription&) {
-        return NewConverterAnswer{inStatus, false};
-    });
+    MakeConvertersWith([=](const AudioStreamBasicDescription&, const AudioStreamBasicDescription&)
+                       { return NewConverterAnswer{inStatus}; });
 }
 
 void ScriptedPlatform::FailCall(int inCall, OSStatus inStatus)
 {
     mFailingCall = inCall;
     mFailingStatus = inStatus;
+    mFallibleCalls = 0;
 }
 
 bool ScriptedPlatform::ReachedFailingCall() const

@@ -59,6 +59,7 @@ struct NewConverterAnswer
 {
     OSStatus mStatus = noErr;
     bool mLeavesConverter = false;
+    bool mForgetsConverter = false;  // succeeds without handing one over
 };
 
 /// One AudioFileReadPacketData.
@@ -165,6 +166,11 @@ public:
     /// for input.
     void DeliverAudio(const Bytes& inFrames);
 
+    /// Told true on the way into the platform and false on the way out, the input procedure's own
+    /// calls being out. For tests that count what the code under test does.
+    using CrossingHook = void (*)(bool inIsInside);
+    void OnCrossing(CrossingHook inHook) { mCrossingHook = inHook; }
+
     // What happened ------------------------------------------------------------------------------
 
     /// All calls so far, one line each, numbers in decimal, codes as 'abcd', values that are set in
@@ -226,6 +232,7 @@ private:
     std::deque<std::vector<FillStep>> mFills;
     Bytes mAudio;
     std::size_t mAudioPosition = 0;
+    CrossingHook mCrossingHook = nullptr;
 
     std::vector<std::string> mCalls;
     std::vector<std::string> mBreaches;
