@@ -7,8 +7,6 @@
 
 #include "TarvoSDK/TarvoSDK.h"
 
-#include <algorithm>
-#include <map>
 #include <string>
 #include <vector>
 

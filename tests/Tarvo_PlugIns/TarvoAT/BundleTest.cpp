@@ -1,0 +1,139 @@
+// The built bundle from outside: its files, what it exports, and what it leaves to be resolved.
+#include <gtest/gtest.h>
+
+#include <array>
+#include <cstdio>
+#include <filesystem>
+#include <fstream>
+#include <iterator>
+#include <memory>
+#include <set>
+#include <sstream>
+#include <string>
+
+namespace
+{
+
+using Names = std::set<std::string>;
+
+// bin/ and lib/ lie beside each other.
+std::filesystem::path Contents()
+{
+    return std::filesystem::canonical("/proc/self/exe").parent_path().parent_path() /
+           "lib/TarvoAT.bundle/Contents";
+}
+
+std::string Plugin()
+{
+    return (Contents() / "Linux/TarvoAT.so").string();
+}
+
+// What a command writes to its output; empty if it fails.
+std::string Output(const std::string& inCommand)
+{
+    const std::unique_ptr<FILE, int (*)(FILE*)> pipe(popen(inCommand.c_str(), "r"), &pclose);
+    std::string text;
+    std::array<char, 4096> block;
+    while (const std::size_t count = std::fread(block.data(), 1, block.size(), pipe.get()))
+        text.append(block.data(), count);
+    return text;
+}
+
+// The last word of each line.
+Names LastWords(const std::string& inText)
+{
+    Names names;
+    std::istringstream lines(inText);
+    for (std::string line; std::getline(lines, line);)
+        names.insert(line.substr(line.find_last_of(' ') + 1));
+    return names;
+}
+
+Names UndefinedSymbols()
+{
+    return LastWords(Output("nm -D --undefined-only '" + Plugin() + "'"));
+}
+
+std::string Dynamic()
+{
+    return Output("readelf -dW '" + Plugin() + "'");
+}
+
+TEST(Bundle, HasItsPropertyListAndAFolderOfResources)
+{
+    std::ifstream file(Contents() / "Info.plist");
+    const std::string list((std::istreambuf_iterator<char>(file)), {});
+    EXPECT_NE(list.find("<key>CFBundleIdentifier</key>\n"
+                        "\t<string>com.verlo.TarvoAT.bundle</string>"),
+              std::string::npos);
+    EXPECT_TRUE(std::filesystem::is_directory(Contents() / "Resources"));
+}
+
+TEST(Bundle, ExportsItsEntryStartAndStopAndNothingElse)
+{
+    EXPECT_EQ(LastWords(Output("nm -D --defined-only '" + Plugin() + "'")),
+              (Names{"TarvoInterface", "_ZN5tarvo6module10InitializeEv",
+                     "_ZN5tarvo6module9TerminateEv"}));
+}
+
+TEST(Bundle, LeavesThePlatformsCallsToTheLoader)
+{
+    const Names symbols = UndefinedSymbols();
+    for (const char* name :
+         {"AudioFileOpenURL", "AudioFileOpenWithCallbacks", "AudioFileClose",
+          "AudioFileGetPropertyInfo", "AudioFileGetProperty", "AudioFileReadPacketData",
+          "AudioFileGetGlobalInfoSize", "AudioFileGetGlobalInfo", "AudioFormatGetPropertyInfo",
+          "AudioFormatGetProperty", "AudioConverterNew", "AudioConverterDispose",
+          "AudioConverterGetPropertyInfo", "AudioConverterGetProperty", "AudioConverterSetProperty",
+          "AudioConverterFillComplexBuffer"})
+        EXPECT_EQ(symbols.count(name), 1u) << name;
+}
+
+TEST(Bundle, CallsNoOtherPlatformFunctions)
+{
+    const Names known = {"AudioFileOpenURL",
+                         "AudioFileOpenWithCallbacks",
+                         "AudioFileClose",
+                         "AudioFileGetPropertyInfo",
+                         "AudioFileGetProperty",
+                         "AudioFileReadPacketData",
+                         "AudioFileGetGlobalInfoSize",
+                         "AudioFileGetGlobalInfo",
+                         "AudioFormatGetPropertyInfo",
+                         "AudioFormatGetProperty",
+                         "AudioConverterNew",
+                         "AudioConverterDispose",
+                         "AudioConverterGetPropertyInfo",
+                         "AudioConverterGetProperty",
+                         "AudioConverterSetProperty",
+                         "AudioConverterFillComplexBuffer",
+                         "ExtAudioFileCreateWithURL",
+                         "ExtAudioFileSetProperty",
+                         "ExtAudioFileGetProperty",
+                         "ExtAudioFileWrite",
+                         "ExtAudioFileDispose"};
+    for (const std::string& name : UndefinedSymbols())
+        if (name.compare(0, 5, "Audio") == 0 || name.compare(0, 8, "ExtAudio") == 0)
+            EXPECT_EQ(known.count(name), 1u) << name;
+}
+
+TEST(Bundle, FindsItsLibrariesByItself)
+{
+    const std::string dynamic = Dynamic();
+    EXPECT_NE(dynamic.find("(RUNPATH)            Library runpath: [$ORIGIN/../../..]"),
+              std::string::npos)
+        << dynamic;
+    for (const char* library :
+         {"libAudioToolbox.so", "libCoreFoundation.so", "libkelpcore.so", "libkelpui.so"})
+        EXPECT_NE(dynamic.find(std::string("Shared library: [") + library + "]"), std::string::npos)
+            << library;
+}
+
+TEST(Bundle, BindsNothingToItself)
+{
+    const std::string dynamic = Dynamic();
+    ASSERT_NE(dynamic.find("(NEEDED)"), std::string::npos);
+    EXPECT_EQ(dynamic.find("SYMBOLIC"), std::string::npos);
+}
+
+}  // namespace
