@@ -83,7 +83,7 @@ public:
           mSampleBytes(mPacks24 ? 3 : av_get_bytes_per_sample(mFormat)),
           mMemory(mChannels, std::vector<std::uint8_t>(bench::kBlockFrames * 4))
     {
-        const AVCodecContext& decoder = *inInput.mDecoder;
+        AVCodecContext& decoder = *inInput.mDecoder;
         SwrContext* resampler = nullptr;
         swr_alloc_set_opts2(&resampler, &decoder.ch_layout, mFormat, decoder.sample_rate,
                             &decoder.ch_layout, decoder.sample_fmt, decoder.sample_rate, 0,
