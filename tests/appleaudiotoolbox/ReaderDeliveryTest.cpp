@@ -320,6 +320,17 @@ TEST_F(ReaderDelivery, CutsOneCallThatSpansTheWholeFile)
               "null");
 }
 
+TEST_F(ReaderDelivery, CutsASingleFrameToo)
+{
+    OpenMonoAAC(1000);
+    mPlatform.DeliverAudio(Bytes(4 * 1001, 1));
+    std::vector<float> samples(1001);
+    int count = 1001;
+    ASSERT_TRUE(mReader->ReadSamplesInterleaved(0, &count, reinterpret_cast<char*>(samples.data()),
+                                                4, mInfo));
+    EXPECT_EQ(count, 1000);
+}
+
 TEST_F(ReaderDelivery, CutsAgainstTheFramesOfOneCallOnly)
 {
     OpenMonoAAC(1000);
