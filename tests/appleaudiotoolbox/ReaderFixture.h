@@ -8,6 +8,7 @@
 #include <gtest/gtest.h>
 
 #include <memory>
+#include <numeric>
 
 namespace testing_support
 {
@@ -65,6 +66,59 @@ protected:
         EXPECT_EQ(mPlatform.OpenHandles(), 0);
         EXPECT_EQ(mPlatform.Breaches(), Lines());
     }
+};
+
+// Frames of 16-bit stereo from a first number on: 1 2 | 3 4 | ...
+inline Bytes Counting(UInt16 inFirst, std::size_t inFrames)
+{
+    std::vector<UInt16> samples(2 * inFrames);
+    std::iota(samples.begin(), samples.end(), inFirst);
+    return BytesOf(samples);
+}
+
+// A reader that is read from, with the buffers of its caller.
+class DeliveryTest : public ReaderTest
+{
+protected:
+    void OpenStereo16()
+    {
+        mPlatform.HoldFile(kAudioFileWAVEType, kStereo16);
+        ASSERT_TRUE(Open());
+        mPlatform.ForgetCalls();
+    }
+
+    // Client frames are one float.
+    void OpenMonoAAC(SInt64 inValidFrames)
+    {
+        mPlatform.HoldFile(kAudioFileM4AType, kMonoAAC);
+        HoldPacketTable(inValidFrames, 0);
+        ASSERT_TRUE(Open());
+        mPlatform.ForgetCalls();
+    }
+
+    // Room for inRoom frames of 16-bit stereo, of which inAsked are asked for.
+    bool Interleaved(int inAsked, std::size_t inRoom = 100, long long inStart = 0)
+    {
+        mFrames.assign(2 * inRoom, 0xEEEE);
+        mCount = inAsked;
+        return mReader->ReadSamplesInterleaved(inStart, &mCount,
+                                               reinterpret_cast<char*>(mFrames.data()), 2, mInfo);
+    }
+
+    bool Planes(int inAsked, std::size_t inRoom = 100, long long inStart = 0)
+    {
+        mLeft.assign(inRoom, 0xEEEE);
+        mRight.assign(inRoom, 0xEEEE);
+        char* planes[] = {reinterpret_cast<char*>(mLeft.data()),
+                          reinterpret_cast<char*>(mRight.data())};
+        mCount = inAsked;
+        return mReader->ReadSamples(inStart, &mCount, planes, 2, mInfo);
+    }
+
+    std::vector<UInt16> mFrames;
+    std::vector<UInt16> mLeft;
+    std::vector<UInt16> mRight;
+    int mCount = 0;
 };
 
 }  // namespace testing_support
