@@ -39,9 +39,21 @@ bool ByteWindow::Load(SInt64 inPosition)
     if (status == noErr)
         return true;
     mCount = 0;
-    if (mStatus == noErr)
-        mStatus = status;
+    NoteStatus(status);
     return false;
+}
+
+bool ByteWindow::ReadFully(SInt64 inPosition, void* outBytes, UInt32 inCount)
+{
+    UInt32 count = 0;
+    NoteStatus(mSource.ReadAt(inPosition, inCount, outBytes, &count));
+    return count == inCount;
+}
+
+void ByteWindow::NoteStatus(OSStatus inStatus)
+{
+    if (mStatus == noErr)
+        mStatus = inStatus;
 }
 
 UInt64 BoxCursor::Read(UInt32 inBytes)
@@ -99,8 +111,7 @@ std::vector<UInt8> ReadBody(ByteWindow& ioWindow, ByteRange inBody, UInt32 inMos
         return {};
     std::vector<UInt8> bytes(
         static_cast<std::size_t>(std::min<SInt64>(end - inBody.mBegin, inMost)));
-    if (!ioWindow.Source().ReadFully(inBody.mBegin, bytes.data(),
-                                     static_cast<UInt32>(bytes.size())))
+    if (!ioWindow.ReadFully(inBody.mBegin, bytes.data(), static_cast<UInt32>(bytes.size())))
         return {};
     return bytes;
 }

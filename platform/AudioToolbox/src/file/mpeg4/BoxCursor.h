@@ -32,11 +32,15 @@ public:
     /// fails. Valid until the next call.
     const UInt8* At(SInt64 inPosition, UInt32 inCount);
 
+    /// Reads past the kept block. False, noted, when not all bytes came.
+    bool ReadFully(SInt64 inPosition, void* outBytes, UInt32 inCount);
+
     ByteSource& Source() const { return mSource; }
     SInt64 FileSize() const { return mFileSize; }
 
     /// The first failing read's status, noErr while all went well.
     OSStatus Status() const { return mStatus; }
+    void NoteStatus(OSStatus inStatus);
 
 private:
     bool Load(SInt64 inPosition);

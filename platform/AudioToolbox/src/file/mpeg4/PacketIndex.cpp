@@ -96,7 +96,9 @@ UInt32 PacketIndex::SizeOf(UInt32 inPacket) const
 
 UInt32 PacketIndex::LargestSize() const
 {
-    if (mConstantSize > 0 || mPlaced == 0)
+    if (mPlaced == 0)
+        return 0;
+    if (mConstantSize > 0)
         return mConstantSize;
     return mIsWide ? *std::max_element(mWideSizes.begin(), mWideSizes.end())
                    : *std::max_element(mSizes.begin(), mSizes.end());

@@ -140,7 +140,8 @@ bool PlaceChunks(ByteWindow& ioWindow, const SampleTables& inTables, UInt32 inPa
             break;
         left -= packets;
     }
-    return true;
+    ioWindow.NoteStatus(runWindow.Status());
+    return ioWindow.Status() == noErr;
 }
 
 }  // namespace

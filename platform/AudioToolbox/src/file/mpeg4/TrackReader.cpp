@@ -50,9 +50,13 @@ OSStatus TrackReader::ReadPackets(SInt64 inStart, UInt32* ioBytes, UInt32* ioPac
     Request request = {static_cast<UInt8*>(outBytes), *ioBytes, *ioPackets, outDescriptions};
     *ioBytes = 0;
     *ioPackets = 0;
-    if (inStart < 0 || (outDescriptions == nullptr && mIndex.ConstantSize() == 0))
+    if (inStart < 0)
         return kAudio_ParamError;
-    if (request.mPackets == 0 || inStart >= SInt64{mIndex.Count()})
+    if (request.mPackets == 0)
+        return noErr;
+    if (outDescriptions == nullptr && mIndex.ConstantSize() == 0)
+        return kAudio_ParamError;
+    if (inStart >= SInt64{mIndex.Count()})
         return noErr;
     const UInt32 start = static_cast<UInt32>(inStart);
     if (mIndex.SizeOf(start) > request.mBytes)
