@@ -34,6 +34,7 @@ public:
         return HasRightChecksum(inFrame) || ++mStrays >= kMaxStrayHeaders;
     }
 
+private:
     bool HasRightChecksum(std::span<const UInt8> inFrame)
     {
         mChecksum = AddToFrameChecksum(mChecksum, inFrame.subspan(mChecked));
@@ -41,7 +42,6 @@ public:
         return mChecksum == 0;
     }
 
-private:
     UInt64 mNext;
     UInt64 mStep;
     UInt16 mChecksum = 0;
@@ -52,6 +52,33 @@ private:
 bool IsChecksumRight(std::span<const UInt8> inFrame)
 {
     return AddToFrameChecksum(0, inFrame) == 0;
+}
+
+// The size of a frame that ends at a header, if the two belong together; else 0.
+std::size_t SizeBefore(const FLACHeader& inHeader, const FLACHeader& inNext,
+                       std::span<const UInt8> inFrame)
+{
+    const bool continues = inNext.mNumber == inHeader.NextNumber();
+    return continues || IsChecksumRight(inFrame) ? inFrame.size() : 0;
+}
+
+// True for nothing, and for bytes that a header may begin with.
+bool IsBeginOfHeader(std::span<const UInt8> inBytes)
+{
+    return inBytes.empty() ||
+           (inBytes[0] == 0xFF && (inBytes.size() < 2 || (inBytes[1] & 0xFE) == 0xF8));
+}
+
+// The size of a frame with nothing behind it but perhaps a header that the file's end cuts off.
+// 0 when the frame itself is cut off or damaged.
+std::size_t LastFrameSize(std::span<const UInt8> inBytes, std::size_t inLargest)
+{
+    std::size_t size =
+        inBytes.size() > FLACHeader::kLongest ? inBytes.size() - FLACHeader::kLongest : 1;
+    for (; size <= std::min(inBytes.size(), inLargest); ++size)
+        if (IsBeginOfHeader(inBytes.subspan(size)) && IsChecksumRight(inBytes.first(size)))
+            return size;
+    return 0;
 }
 
 }  // namespace
@@ -78,29 +105,48 @@ bool FLACFramer::ReadHeader(std::span<const UInt8> inBytes, FLACHeader& outHeade
     return ParseFLACHeader(inBytes, mInfo, outHeader) && AreAlike(mFirst, outHeader);
 }
 
+// Moves ioOffset, from inBase, on to the next header there or behind. inBase stays in the window.
+// False with ioOffset at what was searched: up to the end of the data, or beyond the largest frame.
+bool FLACFramer::NextHeader(StreamWindow& ioWindow, SInt64 inBase, std::size_t& ioOffset,
+                            FLACHeader& outHeader) const
+{
+    while (ioOffset <= mLargestFrame)
+    {
+        const auto bytes = ioWindow.Look(inBase, ioOffset + kLookAhead + 1);
+        if (ioWindow.Status() != noErr)
+            return false;
+        const bool isAll = inBase + static_cast<SInt64>(bytes.size()) >= ioWindow.End();
+        const std::size_t limit = isAll ? bytes.size() : bytes.size() - kLookAhead;
+        for (std::size_t at = FindFLACSync(bytes, ioOffset); at < limit && at <= mLargestFrame;
+             at = FindFLACSync(bytes, at + 1))
+            if (ReadHeader(bytes.subspan(at), outHeader))
+            {
+                ioOffset = at;
+                return true;
+            }
+        ioOffset = limit;
+        if (isAll)
+            return false;
+    }
+    return false;
+}
+
 // 0 when the data ends within the frame.
 UInt32 FLACFramer::FrameSize(StreamWindow& ioWindow, SInt64 inPosition,
                              const FLACHeader& inHeader) const
 {
     EndJudge judge(inHeader);
     FLACHeader next;
-    std::size_t scanned = inHeader.mHeaderBytes;
-    while (scanned <= mLargestFrame)
-    {
-        const auto bytes = ioWindow.Look(inPosition, scanned + kLookAhead + 1);
-        if (bytes.size() <= scanned && ioWindow.Status() != noErr)
-            return 0;
-        const bool isAll = inPosition + static_cast<SInt64>(bytes.size()) >= ioWindow.End();
-        const std::size_t limit = isAll ? bytes.size() : bytes.size() - kLookAhead;
-        for (std::size_t at = FindFLACSync(bytes, scanned); at < limit && at <= mLargestFrame;
-             at = FindFLACSync(bytes, at + 1))
-            if (ReadHeader(bytes.subspan(at), next) && judge.IsEnd(next, bytes.first(at)))
-                return static_cast<UInt32>(at);
-        if (isAll && bytes.size() <= mLargestFrame)
-            return judge.HasRightChecksum(bytes) ? static_cast<UInt32>(bytes.size()) : 0;
-        scanned = limit;
-    }
-    return mLargestFrame;  // whatever follows, the frame itself is within
+    for (std::size_t at = inHeader.mHeaderBytes; NextHeader(ioWindow, inPosition, at, next); ++at)
+        if (judge.IsEnd(next, ioWindow.Look(inPosition, at).first(at)))
+            return static_cast<UInt32>(at);
+    if (ioWindow.Status() != noErr)
+        return 0;
+    const SInt64 left = ioWindow.End() - inPosition;
+    if (left > static_cast<SInt64>(mLargestFrame + kLookAhead))
+        return mLargestFrame;  // whatever follows, the frame itself is within
+    const auto bytes = ioWindow.Look(inPosition, static_cast<std::size_t>(left));
+    return static_cast<UInt32>(LastFrameSize(bytes, mLargestFrame));
 }
 
 // One pass over the headers, each judged together with the one behind it.
@@ -108,49 +154,27 @@ bool FLACFramer::FindAfterLoss(StreamWindow& ioWindow, SInt64 inPosition,
                                StreamPacket& outPacket) const
 {
     FLACHeader candidate;
+    FLACHeader next;
     bool hasCandidate = false;
     SInt64 base = inPosition;  // of the candidate once there is one
-    std::size_t scanned = 0;
+    std::size_t at = 0;
     for (;;)
     {
-        if (scanned > mLargestFrame)
-        {
-            base += static_cast<SInt64>(scanned);
-            scanned = 0;
-            hasCandidate = false;
-        }
-        const auto bytes = ioWindow.Look(base, scanned + kLookAhead + 1);
-        const bool isAll = base + static_cast<SInt64>(bytes.size()) >= ioWindow.End();
-        const std::size_t at = FindFLACSync(bytes, scanned);
-        if (isAll && at >= bytes.size())
-        {
-            if (!hasCandidate || bytes.size() > mLargestFrame || !IsChecksumRight(bytes))
-                return false;
-            outPacket = {base, static_cast<UInt32>(bytes.size()), candidate.mBlock, 0};
-            return true;
-        }
-        if (bytes.size() <= scanned + kLookAhead && !isAll)
-            return false;  // a read failed
-        if (!isAll && at + kLookAhead > bytes.size())
-        {
-            scanned = std::min(at, bytes.size() - kLookAhead);
-            continue;
-        }
-        FLACHeader header;
-        scanned = at + 1;
-        if (!ReadHeader(bytes.subspan(at), header))
-            continue;
-        const auto frame = bytes.first(at);
-        if (hasCandidate && at <= mLargestFrame &&
-            (header.mNumber == candidate.NextNumber() || IsChecksumRight(frame)))
-        {
-            outPacket = {base, static_cast<UInt32>(at), candidate.mBlock, 0};
-            return true;
-        }
-        candidate = header;
-        hasCandidate = true;
+        const bool hasNext = NextHeader(ioWindow, base, at, next);
+        if (ioWindow.Status() != noErr)
+            return false;
+        const bool isAtEnd = !hasNext && base + static_cast<SInt64>(at) >= ioWindow.End();
+        std::size_t size = 0;
+        if (hasCandidate && (hasNext || isAtEnd))
+            size = hasNext ? SizeBefore(candidate, next, ioWindow.Look(base, at).first(at))
+                           : LastFrameSize(ioWindow.Look(base, at), mLargestFrame);
+        outPacket = {base, static_cast<UInt32>(size), candidate.mBlock, 0};
+        if (size > 0 || isAtEnd)
+            return size > 0;
         base += static_cast<SInt64>(at);
-        scanned = header.mHeaderBytes;
+        at = hasNext ? next.mHeaderBytes : 0;
+        candidate = next;
+        hasCandidate = hasNext;
     }
 }
 

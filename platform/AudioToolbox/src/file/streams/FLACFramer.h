@@ -25,6 +25,8 @@ public:
 
 private:
     bool ReadHeader(std::span<const UInt8> inBytes, FLACHeader& outHeader) const;
+    bool NextHeader(StreamWindow& ioWindow, SInt64 inBase, std::size_t& ioOffset,
+                    FLACHeader& outHeader) const;
     UInt32 FrameSize(StreamWindow& ioWindow, SInt64 inPosition, const FLACHeader& inHeader) const;
     bool FindAfterLoss(StreamWindow& ioWindow, SInt64 inPosition, StreamPacket& outPacket) const;
 

@@ -1,0 +1,233 @@
+// Damaged streams: cut at every byte, bytes changed, bytes put between.
+#include "StreamMakers.h"
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <chrono>
+
+using namespace stream_testing;
+
+namespace
+{
+
+struct Row
+{
+    const StreamKind& mKind;
+    const char* mName;
+};
+const Row kRows[] = {
+    {kMPEG, "streams/untagged-44100-stereo.mp3"},
+    {kMPEG, "streams/info-44100-stereo.mp3"},
+    {kMPEG, "streams/xing-44100-mono.mp3"},
+    {kMPEG, "streams/48000-stereo.mp2"},
+    {kADTS, "streams/44100-stereo.aac"},
+    {kADTS, "streams/48000-program-config.aac"},
+    {kAC3, "streams/48000-51.ac3"},
+    {kEAC3, "streams/48000-stereo.eac3"},
+};
+
+// No frame's checksum ends in a zero byte: the frame without it would have a right checksum too.
+Bytes SmallFLAC()
+{
+    FLACShape shape;
+    shape.mAllFrames = 12 * 4096;
+    Bytes file = FLACHead(shape);
+    for (UInt32 i = 0; i < 12; ++i)
+    {
+        const Bytes frame = FLACFrame(shape, i, 4096, Noise(200 + 13 * i, i + 100));
+        file.insert(file.end(), frame.begin(), frame.end());
+    }
+    return file;
+}
+
+Bytes SmallAMR()
+{
+    Bytes file = {'#', '!', 'A', 'M', 'R', '\n'};
+    for (UInt32 i = 0; i < 60; ++i)
+    {
+        const Bytes frame = i % 7 == 0 ? AMRFrame(8, 6) : AMRFrame(7, 32);
+        file.insert(file.end(), frame.begin(), frame.end());
+    }
+    return file;
+}
+
+struct Sample
+{
+    std::string mName;
+    const StreamKind& mKind;
+    Bytes mBytes;
+};
+
+std::vector<Sample> Samples()
+{
+    std::vector<Sample> samples;
+    for (const Row& row : kRows)
+        samples.push_back({row.mName, row.mKind, LoadData(row.mName)});
+    samples.push_back({"made.flac", kFLAC, SmallFLAC()});
+    samples.push_back({"made.amr", kAMR, SmallAMR()});
+    return samples;
+}
+
+// What holds for any file that opens, and everything that reading it delivers.
+void ExpectOrderly(Opened& inFile, std::size_t inFileBytes)
+{
+    const audiotoolbox::FileFacts& facts = inFile.Facts();
+    EXPECT_GT(facts.mDataFormat.mSampleRate, 0.0);
+    EXPECT_GT(facts.mDataFormat.mChannelsPerFrame, 0u);
+    EXPECT_GE(facts.mFormats.size(), 1u);
+    EXPECT_GE(facts.mEstimatedDuration, 0.0);
+    EXPECT_LE(facts.mDataOffset + facts.mDataByteCount, static_cast<SInt64>(inFileBytes));
+    std::size_t total = 0;
+    for (const Packet& packet : ReadAll(*inFile.mReader))
+    {
+        EXPECT_GT(packet.mBytes.size(), 0u);
+        EXPECT_LE(packet.mBytes.size(), facts.mPacketSizeUpperBound);
+        total += packet.mBytes.size();
+    }
+    EXPECT_LE(total, inFileBytes);
+}
+
+bool IsPrefix(const std::vector<Packet>& inShort, const std::vector<Packet>& inLong)
+{
+    return inShort.size() <= inLong.size() &&
+           std::equal(inShort.begin(), inShort.end(), inLong.begin());
+}
+
+TEST(StreamDamage, FileCutAnywhereDeliversItsWholePackets)
+{
+    for (const Sample& sample : Samples())
+    {
+        Opened whole = Open(sample.mKind, sample.mBytes);
+        ASSERT_EQ(whole.mStatus, noErr) << sample.mName;
+        const std::vector<Packet> packets = ReadAll(*whole.mReader);
+        SInt64 end = whole.Facts().mDataOffset;
+        std::size_t wholePackets = 0;
+        for (std::size_t size = 0; size < sample.mBytes.size(); ++size)
+        {
+            while (wholePackets < packets.size() &&
+                   end + static_cast<SInt64>(packets[wholePackets].mBytes.size()) <=
+                       static_cast<SInt64>(size))
+                end += static_cast<SInt64>(packets[wholePackets++].mBytes.size());
+            Opened cut = Open(sample.mKind, Bytes(sample.mBytes.begin(),
+                                                  sample.mBytes.begin() + static_cast<long>(size)));
+            if (cut.mStatus != noErr)
+            {
+                // Only a file that is cut within its first packets may be refused.
+                ASSERT_LE(wholePackets, 1u) << sample.mName << " cut to " << size;
+                continue;
+            }
+            const std::vector<Packet> left = ReadAll(*cut.mReader);
+            ASSERT_TRUE(IsPrefix(left, packets)) << sample.mName << " cut to " << size;
+            ASSERT_EQ(left.size(), wholePackets) << sample.mName << " cut to " << size;
+        }
+    }
+}
+
+TEST(StreamDamage, ChangedBytesNeverBreakTheReader)
+{
+    UInt32 state = 12345;
+    const auto next = [&state]
+    {
+        state = state * 1664525u + 1013904223u;
+        return state >> 8;
+    };
+    for (const Sample& sample : Samples())
+        for (int round = 0; round < 800; ++round)
+        {
+            Bytes bytes = sample.mBytes;
+            for (UInt32 changes = 1 + next() % 12; changes > 0; --changes)
+            {
+                // Half of the changes go where the headers are.
+                const std::size_t reach = next() % 2 == 0 ? bytes.size() : 64;
+                bytes[next() % std::min(reach, bytes.size())] = static_cast<UInt8>(next());
+            }
+            if (next() % 4 == 0)
+                bytes.resize(next() % bytes.size());
+            Opened file = Open(sample.mKind, bytes);
+            if (file.mStatus == noErr)
+                ExpectOrderly(file, bytes.size());
+            ASSERT_FALSE(HasFailure()) << sample.mName << " round " << round;
+        }
+}
+
+TEST(StreamDamage, NoiseBetweenFramesCostsNoFrame)
+{
+    for (const Sample& sample : Samples())
+    {
+        if (&sample.mKind == &kAMR || &sample.mKind == &kFLAC)
+            continue;  // AMR has no sync word, and FLAC's frames reach to the next header
+        Opened whole = Open(sample.mKind, sample.mBytes);
+        const std::vector<Packet> packets = ReadAll(*whole.mReader);
+        Bytes bytes(sample.mBytes.begin(),
+                    sample.mBytes.begin() + static_cast<long>(whole.Facts().mDataOffset));
+        for (std::size_t i = 0; i < packets.size(); ++i)
+        {
+            bytes.insert(bytes.end(), packets[i].mBytes.begin(), packets[i].mBytes.end());
+            if (i % 5 == 3)  // each run of frames behind it confirms the next
+            {
+                const Bytes noise = NoiseWithoutSync(17 + 40 * i, static_cast<UInt32>(i));
+                bytes.insert(bytes.end(), noise.begin(), noise.end());
+            }
+        }
+        Opened damaged = Open(sample.mKind, bytes);
+        ASSERT_EQ(damaged.mStatus, noErr) << sample.mName;
+        EXPECT_EQ(ReadAll(*damaged.mReader), packets) << sample.mName;
+    }
+}
+
+TEST(StreamDamage, LostBytesCostTheFramesThatTheyTouch)
+{
+    for (const Sample& sample : Samples())
+    {
+        if (&sample.mKind == &kAMR || &sample.mKind == &kFLAC)
+            continue;
+        Opened whole = Open(sample.mKind, sample.mBytes);
+        const std::vector<Packet> packets = ReadAll(*whole.mReader);
+        // Bytes are missing out of the middle of the fifth packet.
+        SInt64 middle = whole.Facts().mDataOffset;
+        for (std::size_t i = 0; i < 4; ++i)
+            middle += static_cast<SInt64>(packets[i].mBytes.size());
+        middle += static_cast<SInt64>(packets[4].mBytes.size() / 2);
+        Bytes bytes = sample.mBytes;
+        bytes.erase(bytes.begin() + static_cast<long>(middle),
+                    bytes.begin() + static_cast<long>(middle) + 30);
+        Opened damaged = Open(sample.mKind, bytes);
+        ASSERT_EQ(damaged.mStatus, noErr) << sample.mName;
+        const std::vector<Packet> left = ReadAll(*damaged.mReader);
+        // The fifth reaches into the sixth, which is lost; all others are as they were.
+        ASSERT_EQ(left.size(), packets.size() - 1) << sample.mName;
+        EXPECT_TRUE(std::equal(left.begin(), left.begin() + 4, packets.begin())) << sample.mName;
+        EXPECT_TRUE(std::equal(left.begin() + 5, left.end(), packets.begin() + 6)) << sample.mName;
+    }
+}
+
+TEST(StreamDamage, FilesOfOneByteValueAreRefusedQuickly)
+{
+    for (const StreamKind& kind : {kMPEG, kADTS, kAC3, kAMR, kFLAC})
+        for (const int value : {0x00, 0x0B, 0x77, 0xFF})
+            EXPECT_NE(Open(kind, Bytes(300000, static_cast<UInt8>(value))).mStatus, noErr);
+}
+
+TEST(StreamDamage, HeadersWithoutAnyOrderTakeTimeInProportion)
+{
+    // Valid FLAC headers, a few bytes apart, whose numbers and checksums never fit.
+    FLACShape shape;
+    shape.mLargestBlock = 65535;
+    shape.mChannels = 8;
+    shape.mBits = 32;
+    shape.mSmallestBlock = 16;
+    Bytes bytes = FLACHead(shape);
+    for (UInt32 i = 0; bytes.size() < 1500000; ++i)
+    {
+        const Bytes frame = FLACFrame(shape, (i * 7919u) % 5000, 65535, {});
+        bytes.insert(bytes.end(), frame.begin(), frame.end() - 2);
+    }
+    const auto start = std::chrono::steady_clock::now();
+    Opened file = Open(kFLAC, bytes);
+    ASSERT_EQ(file.mStatus, noErr);
+    (void)ReadAll(*file.mReader);
+    EXPECT_LT(std::chrono::steady_clock::now() - start, std::chrono::seconds(20));
+}
+
+}  // namespace
