@@ -4,7 +4,7 @@
 
 #include <algorithm>
 #include <cerrno>
-#include <new>
+#include <utility>
 
 #include <fcntl.h>
 #include <sys/stat.h>
@@ -149,10 +149,7 @@ OSStatus OpenFileSource(const char* inPath, ByteSourcePtr& outSource)
     if (!S_ISREG(state.st_mode))
         return kAudioFilePermissionsError;
 
-    ByteSourcePtr source(new (std::nothrow) FileSource(std::move(file), state.st_size));
-    if (!source)
-        return kAudio_MemFullError;
-    outSource = std::move(source);
+    outSource = std::make_unique<FileSource>(std::move(file), state.st_size);
     return noErr;
 }
 

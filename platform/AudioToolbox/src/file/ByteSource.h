@@ -37,7 +37,7 @@ using ByteSourcePtr = std::unique_ptr<ByteSource>;
 
 /// Opens a local regular file for reading (close-on-exec, without blocking on a pipe).
 /// noErr, or: -43 no such file, 'prm?' no permission or not a regular file (a directory, a pipe),
-/// -108 out of memory, -36 anything else.
+/// -108 when the system is out of memory, -36 anything else.
 OSStatus OpenFileSource(const char* inPath, ByteSourcePtr& outSource);
 
 /// Wraps a client's callbacks. A negative size counts as 0; a callback that claims more bytes than

@@ -43,7 +43,9 @@ const FileTypeRow* Sniff(std::span<const UInt8> inHead, bool inIsBehindTag, Audi
 OSStatus OpenAudio(AudioFileTypeID inHint, ByteSourcePtr& ioSource, PacketReaderPtr& outReader)
 {
     Head head;
-    const SInt64 tags = SizeOfID3v2Tags(*ioSource);
+    SInt64 tags = 0;
+    if (const OSStatus status = MeasureID3v2Tags(*ioSource, tags); status != noErr)
+        return status;
     if (const OSStatus status = ReadHead(*ioSource, tags, head); status != noErr)
         return status;
     const FileTypeRow* row = Sniff(head.Span(), tags > 0, inHint);

@@ -53,7 +53,6 @@ constexpr Formats kCAFFormats[] = {
     kAudioFormatDVIIntelIMA,    kAudioFormatMicrosoftGSM,
 };
 
-#ifdef AUDIOTOOLBOX_HAS_MPEG4
 constexpr Texts kM4AExtensions[] = {"m4a", "m4r"};
 constexpr Texts kM4BExtensions[] = {"m4b"};
 constexpr Texts kMPEG4Extensions[] = {"mp4", "m4v", "mpg4"};
@@ -79,9 +78,7 @@ constexpr Formats k3GPFormats[] = {
     kAudioFormatMPEG4AAC, kAudioFormatMPEG4AAC_HE, kAudioFormatMPEG4AAC_HE_V2,
     kAudioFormatAMR,      kAudioFormatAMR_WB,
 };
-#endif
 
-#ifdef AUDIOTOOLBOX_HAS_STREAMS
 constexpr Texts kFLACExtensions[] = {"flac"};
 constexpr Texts kAMRExtensions[] = {"amr", "awb"};
 constexpr Texts kAC3Extensions[] = {"ac3"};
@@ -113,7 +110,6 @@ constexpr Formats kAACFormats[] = {
 constexpr Formats kMP3Formats[] = {kAudioFormatMPEGLayer3};
 constexpr Formats kMP2Formats[] = {kAudioFormatMPEGLayer2};
 constexpr Formats kMP1Formats[] = {kAudioFormatMPEGLayer1};
-#endif
 
 // Long signatures come before short ones.
 // clang-format off
@@ -134,7 +130,6 @@ constexpr FileTypeRow kFileTypes[] = {
      false, &LooksLikeCAF, &OpenCAF},
     {kAudioFileNextType, "AU", kAUExtensions, kAUMIMETypes, kAUFormats,
      false, &LooksLikeAU, &OpenAU},
-#ifdef AUDIOTOOLBOX_HAS_MPEG4
     {kAudioFileM4AType, "MPEG-4 Audio", kM4AExtensions, kM4AMIMETypes, kM4AFormats,
      false, &LooksLikeM4A, &OpenMPEG4},
     {kAudioFileM4BType, "MPEG-4 Audiobook", kM4BExtensions, kM4BMIMETypes, kM4AFormats,
@@ -145,8 +140,6 @@ constexpr FileTypeRow kFileTypes[] = {
      false, &LooksLike3GP2, &OpenMPEG4},
     {kAudioFileMPEG4Type, "MPEG-4", kMPEG4Extensions, kMPEG4MIMETypes, kMPEG4Formats,
      false, &LooksLikeMPEG4, &OpenMPEG4},
-#endif
-#ifdef AUDIOTOOLBOX_HAS_STREAMS
     {kAudioFileFLACType, "FLAC", kFLACExtensions, kFLACMIMETypes, kFLACFormats,
      true, &LooksLikeFLAC, &OpenFLAC},
     {kAudioFileAMRType, "AMR", kAMRExtensions, kAMRMIMETypes, kAMRFormats,
@@ -165,7 +158,6 @@ constexpr FileTypeRow kFileTypes[] = {
      true, &LooksLikeMPEGLayer2, &OpenMPEGAudio},
     {kAudioFileMP1Type, "MPEG Layer 1", kMP1Extensions, kMPEGMIMETypes, kMP1Formats,
      true, &LooksLikeMPEGLayer1, &OpenMPEGAudio},
-#endif
 };
 // clang-format on
 

@@ -23,7 +23,6 @@ bool IsForm(FileHead inHead, std::string_view inMagic, std::string_view inKind)
     return HasTextAt(inHead, 0, inMagic) && HasTextAt(inHead, 8, inKind);
 }
 
-#ifdef AUDIOTOOLBOX_HAS_MPEG4
 // 0 for no box container.
 AudioFileTypeID TypeOfBrands(FileHead inHead)
 {
@@ -33,7 +32,6 @@ AudioFileTypeID TypeOfBrands(FileHead inHead)
     const std::size_t box = std::min<std::size_t>(inHead.size(), ReadBE32(inHead.data()));
     return MPEG4TypeOfBrands(inHead.first(std::max(box, kBoxHeaderBytes)).subspan(kBoxHeaderBytes));
 }
-#endif
 
 // Layer bits 11, 10 and 01 are layers 1, 2 and 3; 00 belongs to ADTS.
 bool IsMPEGFrame(FileHead inHead, UInt32 inLayerBits)
@@ -90,7 +88,6 @@ bool LooksLikeWave64(FileHead inHead)
     return HasTextAt(inHead, 0, kGUID);
 }
 
-#ifdef AUDIOTOOLBOX_HAS_MPEG4
 bool LooksLikeM4A(FileHead inHead)
 {
     return TypeOfBrands(inHead) == kAudioFileM4AType;
@@ -111,7 +108,6 @@ bool LooksLikeMPEG4(FileHead inHead)
 {
     return TypeOfBrands(inHead) == kAudioFileMPEG4Type;
 }
-#endif
 
 bool LooksLikeFLAC(FileHead inHead)
 {

@@ -122,7 +122,9 @@ AudioFileTypeID TypeOfForm(const UInt8* inHeader)
 
 OSStatus OpenAIFF(AudioFileTypeID, ByteSourcePtr& ioSource, PacketReaderPtr& outReader)
 {
-    const SInt64 start = SizeOfID3v2Tags(*ioSource);
+    SInt64 start = 0;
+    if (const OSStatus status = MeasureID3v2Tags(*ioSource, start); status != noErr)
+        return status;
     UInt8 header[kFormHeaderBytes] = {};
     UInt32 got = 0;
     if (const OSStatus status = ioSource->ReadAt(start, sizeof(header), header, &got);

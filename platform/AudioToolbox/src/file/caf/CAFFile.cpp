@@ -49,7 +49,19 @@ OSStatus TakeData(const Chunk& inChunk, const ByteSource& inSource, FileFacts& i
     return noErr;
 }
 
-OSStatus TakeChunk(ChunkWalker& ioWalker, ByteSource& inSource, Parts& ioParts, FileFacts& ioFacts)
+void TakeTable(ChunkWalker& ioWalker, Parts& ioParts)
+{
+    const Chunk& chunk = ioWalker.Current();
+    ioParts.mTable = ReadCAFPacketTable(ioWalker.ReadBody(kCAFPacketTableHeadBytes));
+    if (!ioParts.mTable)
+        return;
+    const SInt64 size = chunk.mSize < 0 ? chunk.mRoom : std::min(chunk.mSize, chunk.mRoom);
+    ioParts.mTable->mEntries = chunk.mBody + kCAFPacketTableHeadBytes;
+    ioParts.mTable->mEntryBytes = size - kCAFPacketTableHeadBytes;
+}
+
+OSStatus TakeChunk(ChunkWalker& ioWalker, const ByteSource& inSource, Parts& ioParts,
+                   FileFacts& ioFacts)
 {
     const Chunk& chunk = ioWalker.Current();
     if (chunk.mID == kDescriptionID && !ioParts.mHasDescription)
@@ -67,8 +79,7 @@ OSStatus TakeChunk(ChunkWalker& ioWalker, ByteSource& inSource, Parts& ioParts, 
     else if (chunk.mID == kLayoutID)
         ioFacts.mChannelLayout = LayoutOfChunk(ioWalker.ReadBody(kMaxStoredLayoutBytes));
     else if (chunk.mID == kTableID)
-        ioParts.mTable =
-            ReadCAFPacketTable(inSource, chunk.mBody, std::min(chunk.mSize, chunk.mRoom));
+        TakeTable(ioWalker, ioParts);
     return noErr;
 }
 

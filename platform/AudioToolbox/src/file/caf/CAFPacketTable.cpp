@@ -10,8 +10,6 @@ namespace audiotoolbox
 namespace
 {
 
-constexpr UInt32 kHeadBytes = 24;
-
 // Beyond two weeks of audio in short packets. Empty packets take no place in the data, so that the
 // file's size alone would not bound the index.
 constexpr SInt64 kMaxPackets = SInt64{1} << 26;
@@ -75,18 +73,16 @@ private:
 
 }  // namespace
 
-std::optional<CAFPacketTable> ReadCAFPacketTable(ByteSource& inSource, SInt64 inBody, SInt64 inSize)
+std::optional<CAFPacketTable> ReadCAFPacketTable(std::span<const UInt8> inHead)
 {
-    UInt8 head[kHeadBytes];
-    if (inSize < kHeadBytes || !inSource.ReadFully(inBody, head, sizeof(head)))
+    if (inHead.size() < kCAFPacketTableHeadBytes)
         return std::nullopt;
+    const UInt8* head = inHead.data();
     CAFPacketTable table;
     table.mPackets = static_cast<SInt64>(ReadBE64(head));
     table.mValidFrames = static_cast<SInt64>(ReadBE64(head + 8));
     table.mPrimingFrames = static_cast<SInt32>(ReadBE32(head + 16));
     table.mRemainderFrames = static_cast<SInt32>(ReadBE32(head + 20));
-    table.mEntries = inBody + kHeadBytes;
-    table.mEntryBytes = inSize - kHeadBytes;
     if (table.mPackets < 0 || table.mValidFrames < 0 || table.mPrimingFrames < 0 ||
         table.mRemainderFrames < 0)
         return std::nullopt;

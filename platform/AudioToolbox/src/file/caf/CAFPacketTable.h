@@ -6,6 +6,7 @@
 #include "file/PacketSizes.h"
 
 #include <optional>
+#include <span>
 
 namespace audiotoolbox
 {
@@ -20,10 +21,11 @@ struct CAFPacketTable
     SInt64 mEntryBytes = 0;  // of them, within the source
 };
 
-/// Reads the head of a table whose body starts at inBody and has inSize bytes within the source.
-/// nullopt when it is too short or counts below 0.
-std::optional<CAFPacketTable> ReadCAFPacketTable(ByteSource& inSource, SInt64 inBody,
-                                                 SInt64 inSize);
+constexpr UInt32 kCAFPacketTableHeadBytes = 24;
+
+/// Reads the head of a table, the first bytes of its body. The place of the entries is left to the
+/// caller. nullopt when it is too short or counts below 0.
+std::optional<CAFPacketTable> ReadCAFPacketTable(std::span<const UInt8> inHead);
 
 /// Reads the entries: a size for each packet where inFormat has no constant one, and a length
 /// where it has no constant one. Stops without a failure at the first packet that does not lie

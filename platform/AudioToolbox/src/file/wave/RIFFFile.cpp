@@ -117,6 +117,8 @@ OSStatus TakeChunk(ChunkWalker& ioWalker, const ByteSource& inSource, Parts& ioP
     else if (chunk.mID == kFormatID && !ioParts.mHasFormat)
     {
         ioParts.mHasFormat = true;
+        if (chunk.mSize > chunk.mRoom)
+            return kAudioFileInvalidFileError;
         return DescribeWave(ioWalker.ReadBody(kMaxWaveFormatBytes), ioFacts);
     }
     else if (chunk.mID == kDataID && !ioParts.mHasData)
@@ -154,7 +156,9 @@ OSStatus ReadParts(ByteSource& inSource, SInt64 inStart, FileFacts& ioFacts)
 
 OSStatus OpenRIFF(AudioFileTypeID, ByteSourcePtr& ioSource, PacketReaderPtr& outReader)
 {
-    const SInt64 start = SizeOfID3v2Tags(*ioSource);
+    SInt64 start = 0;
+    if (const OSStatus status = MeasureID3v2Tags(*ioSource, start); status != noErr)
+        return status;
     UInt8 header[kFormHeaderBytes];
     UInt32 got = 0;
     if (const OSStatus status = ioSource->ReadAt(start, sizeof(header), header, &got);

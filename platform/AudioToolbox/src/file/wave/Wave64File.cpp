@@ -55,6 +55,8 @@ OSStatus TakeChunk(ChunkWalker& ioWalker, const ByteSource& inSource, Parts& ioP
     else if (chunk.mID == kFormatID && !ioParts.mHasFormat)
     {
         ioParts.mHasFormat = true;
+        if (chunk.mSize > chunk.mRoom)
+            return kAudioFileInvalidFileError;
         return DescribeWave(ioWalker.ReadBody(kMaxWaveFormatBytes), ioFacts);
     }
     else if (chunk.mID == kDataID && !ioParts.mHasData)
