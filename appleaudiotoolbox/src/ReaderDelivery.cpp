@@ -118,7 +118,8 @@ void ATReader::CutBehindTheEnd(SInt64 inFramesDone, UInt32& ioFrames)
 {
     if (mTotalFrames == 0)
         return;
-    const SInt64 excess = ioFrames + inFramesDone - mTotalFrames;
+    // A file may claim fewer frames than none.
+    const SInt64 excess = ioFrames + inFramesDone - std::max<SInt64>(mTotalFrames, 0);
     if (excess <= 0)
         return;
     const auto cut = static_cast<UInt32>(std::min<SInt64>(excess, ioFrames));

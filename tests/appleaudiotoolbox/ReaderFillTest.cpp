@@ -2,6 +2,8 @@
 // that they ask for.
 #include "tests/appleaudiotoolbox/ReaderFixture.h"
 
+#include <limits>
+
 namespace
 {
 
@@ -139,6 +141,18 @@ TEST_F(ReaderFill, CutsTheLaterPassesOfACallToNothing)
                      "descriptions null",
                      "AudioConverterFillComplexBuffer packets 2000 channels 1 bytes 0 "
                      "descriptions null"}));
+}
+
+TEST_F(ReaderFill, CutsAFileThatClaimsFewerFramesThanNoneToNothing)
+{
+    OpenMonoAAC(std::numeric_limits<SInt64>::min());
+    mPlatform.DeliverAudio(Bytes(4 * 3, 1));
+    std::vector<float> samples(3);
+    int count = 3;
+    ASSERT_TRUE(mReader->ReadSamplesInterleaved(0, &count, reinterpret_cast<char*>(samples.data()),
+                                                4, mInfo));
+    EXPECT_EQ(count, 0);
+    EXPECT_TRUE(mReader->IsAtEndOfFile());
 }
 
 TEST_F(ReaderFill, DoesNotCutAFileOfUnknownLength)
