@@ -1,6 +1,7 @@
 // The binary form of the host objects: positions, widths, and the list of extensions.
 #include "TarvoSDK/TarvoInterfaceTemplate.h"
 #include "tests/TarvoSDK/RecordingInterface.h"
+#include "tests/support/TableOffset.h"
 
 #include <gtest/gtest.h>
 
@@ -10,18 +11,7 @@
 namespace
 {
 
-// A pointer to a virtual operation is, by the C++ ABI of this platform, 1 plus the offset in the
-// table of virtual operations, and an adjustment of the object's address.
-template <typename Operation>
-std::ptrdiff_t TableOffset(Operation inOperation)
-{
-    std::ptrdiff_t words[2] = {};
-    static_assert(sizeof words == sizeof inOperation);
-    std::memcpy(words, &inOperation, sizeof words);
-    EXPECT_EQ(words[1], 0);
-    EXPECT_EQ(words[0] % 8, 1);
-    return words[0] - 1;
-}
+using testing_support::TableOffset;
 
 TEST(HostObjectTables, ErrorTextIsTheFirstOperation)
 {

@@ -1,6 +1,8 @@
 // Objects that several holders share.
 #include "CoreAudio/PublicUtility/CAReferenceCounted.h"
 
+#include "tests/support/TableOffset.h"
+
 #include <thread>
 #include <vector>
 
@@ -22,6 +24,11 @@ private:
 class Pooled : public CAReferenceCounted
 {
 public:
+    static std::ptrdiff_t ReleaseOffset()
+    {
+        return testing_support::TableOffset(&Pooled::releaseObject);
+    }
+
     int mReleases = 0;
 
 protected:
@@ -49,6 +56,11 @@ TEST(SharedObject, MayDoSomethingElseThanEnd)
     EXPECT_EQ(object.mReleases, 0);
     object.release();
     EXPECT_EQ(object.mReleases, 1);
+}
+
+TEST(SharedObject, HasItsReleaseBehindTheDestructor)
+{
+    EXPECT_EQ(Pooled::ReleaseOffset(), 16);
 }
 
 TEST(SharedObject, CountsExactlyAcrossThreads)
