@@ -162,7 +162,7 @@ TEST(HostileFiles, ConstantSizesAreBoundedByTheFile)
 {
     TrackPlan plan = FourPackets();
     plan.mSizeBox = movie_maker::ConstantSizeBox(1, 0xFFFFFFFF);
-    plan.mChunks.assign(50, {0, 0xFFFFFFFF});
+    plan.mChunks.assign(50, {0, 300});
     const Bytes file = MakeFile({plan}, Counting(100));
     const PacketReaderPtr reader = Opened(file);
     ASSERT_NE(reader, nullptr);
