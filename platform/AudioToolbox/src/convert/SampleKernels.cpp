@@ -190,6 +190,22 @@ HWY_INLINE void StoreRight(D inLanes, hn::Vec<D> inValues, UInt8* outBytes)
         StoreLanes<kBig>(inLanes, inValues, outBytes);
 }
 
+template <class D>
+HWY_INLINE hn::Vec<D> NarrowDoubles(D inFloats, hn::Vec<DoubleSteps> inValues)
+{
+#if HWY_TARGET == HWY_EMU128
+    // Its own narrowing turns infinities into the highest number.
+    double values[hn::MaxLanes(D())];
+    float narrowed[hn::MaxLanes(D())];
+    hn::StoreU(inValues, DoubleSteps(), values);
+    std::transform(std::begin(values), std::end(values), narrowed,
+                   [](double inValue) { return static_cast<float>(inValue); });
+    return hn::LoadU(inFloats, narrowed);
+#else
+    return hn::DemoteTo(inFloats, inValues);
+#endif
+}
+
 // From an index of words to an index of words; one step, and the loop around it.
 template <std::size_t kFrom, std::size_t kTo>
 struct Kernel
@@ -221,7 +237,8 @@ struct Kernel
     {
         const Ints ints;
         const auto flipped = hn::Xor(inValues, hn::Set(ints, static_cast<int32_t>(inN.mOutFlip)));
-        StoreRight<kOut, kOutBig>(ints, hn::ShiftLeftSame(flipped, inN.mOutLeft), outBytes);
+        const auto word = hn::And(flipped, hn::Set(ints, static_cast<int32_t>(inN.mOutMask)));
+        StoreRight<kOut, kOutBig>(ints, hn::ShiftLeftSame(word, inN.mOutLeft), outBytes);
     }
 
     static HWY_INLINE void IntegerToInteger(const UInt8* inBytes, UInt8* outBytes,
@@ -287,7 +304,7 @@ struct Kernel
         else if constexpr (kOut == SampleWord::Float64)
             StoreLanes<kOutBig>(DoubleSteps(), LoadDouble(inBytes, inN), outBytes);
         else if constexpr (kIsDouble && kOut == SampleWord::Float32)
-            StoreLanes<kOutBig>(Floats(), hn::DemoteTo(Floats(), LoadDouble(inBytes, inN)),
+            StoreLanes<kOutBig>(Floats(), NarrowDoubles(Floats(), LoadDouble(inBytes, inN)),
                                 outBytes);
         else if constexpr (kIsDouble)
             StoreInteger(Rounded(LoadDouble(inBytes, inN), inN), outBytes, inN);
@@ -433,6 +450,7 @@ void TellDestination(const SampleLayout& inTo, UInt32 inSourceBits, KernelNumber
     outNumbers.mOutRight = static_cast<int>(32 - inTo.mBits);
     outNumbers.mOutLeft = inTo.mIsLow ? 0 : static_cast<int>(wordBits - inTo.mBits);
     outNumbers.mOutFlip = inTo.mIsUnsigned ? 1u << (inTo.mBits - 1) : 0;
+    outNumbers.mOutMask = inTo.mIsUnsigned ? (1u << inTo.mBits) - 1 : ~UInt32{0};
     outNumbers.mRound = inSourceBits > inTo.mBits ? 1 << (31 - inTo.mBits) : 0;
     outNumbers.mScale = std::ldexp(1.0, static_cast<int>(inTo.mBits) - 1);
     outNumbers.mHighest = static_cast<SInt32>((1u << (inTo.mBits - 1)) - 1);

@@ -22,6 +22,7 @@ struct KernelNumbers
     int mOutRight = 0;
     int mOutLeft = 0;
     UInt32 mOutFlip = 0;
+    UInt32 mOutMask = 0;
     SInt32 mRound = 0;
     SInt32 mHighest = 0;
     double mScale = 1.0;
