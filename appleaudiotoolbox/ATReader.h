@@ -26,8 +26,8 @@ struct ReadCallbacks
 };
 
 /// Lives on the heap: the read buffer of 64 KiB is part of it. Opened once by one Initialize; after
-/// a failed one it can only be destroyed. The order of the virtual operations is part of the class's
-/// binary form.
+/// a failed one it can only be destroyed. The order of the virtual operations is part of its binary
+/// form.
 class ATReader
 {
 public:
