@@ -11,6 +11,18 @@ using namespace testing_support;
 
 class ReaderFill : public DeliveryTest
 {
+protected:
+    // Frames of one read of a file that has 1000 by its packet table and 1500 in its packets.
+    int FramesOf1000()
+    {
+        OpenMonoAAC(1000);
+        mPlatform.DeliverAudio(Bytes(4 * 1500, 1));
+        std::vector<float> samples(1500);
+        int count = 1500;
+        EXPECT_TRUE(mReader->ReadSamplesInterleaved(
+            0, &count, reinterpret_cast<char*>(samples.data()), 4, mInfo));
+        return count;
+    }
 };
 
 using Samples = std::vector<UInt16>;
@@ -177,6 +189,23 @@ TEST_F(ReaderFill, ScalesTheLengthOfALayeredFile)
     ASSERT_TRUE(mReader->ReadSamplesInterleaved(0, &count, reinterpret_cast<char*>(samples.data()),
                                                 4, mInfo));
     EXPECT_EQ(count, 1000);
+}
+
+TEST_F(ReaderFill, DoesNotScaleTheLengthByAnUnknownRateOfTheInput)
+{
+    AudioStreamBasicDescription input = kMonoAAC;
+    input.mSampleRate = 0.0;
+    mPlatform.Answer(Family::Converter, kAudioConverterCurrentInputStreamDescription,
+                     PropertyAnswer::Value(input));
+    EXPECT_EQ(FramesOf1000(), 1000);
+}
+
+TEST_F(ReaderFill, DoesNotScaleTheLengthByAnUnknownRateOfTheClient)
+{
+    const AudioStreamBasicDescription client = {0.0, kAudioFormatLinearPCM, 9, 4, 1, 4, 1, 32, 0};
+    mPlatform.Answer(Family::Converter, kAudioConverterCurrentOutputStreamDescription,
+                     PropertyAnswer::Value(client));
+    EXPECT_EQ(FramesOf1000(), 1000);
 }
 
 TEST_F(ReaderFill, FeedsPacketsOfOneSizeFromOneReadOnwards)

@@ -152,6 +152,17 @@ TEST_F(ReaderQuestions, LayoutThatCannotBeReadIsNone)
     EXPECT_EQ(Labels(), (Numbers{100, 101}));
 }
 
+TEST_F(ReaderQuestions, LayoutThatCannotBeReadIsNotTheOneBeforeIt)
+{
+    OpenWithChannels(2);
+    HoldLayout({0, 0, 2, 2, 0, 0, 0, 0, 1, 0, 0, 0, 0});
+    EXPECT_EQ(Labels(), (Numbers{101, 100}));
+    // The scratch block of the first question comes again.
+    mPlatform.Answer(Family::File, kAudioFilePropertyChannelLayout,
+                     PropertyAnswer().Size(52).GetFails(-36));
+    EXPECT_EQ(Labels(), (Numbers{100, 101}));
+}
+
 TEST_F(ReaderQuestions, LayoutThatClaimsMoreDescriptionsThanItHasIsCut)
 {
     OpenWithChannels(3);

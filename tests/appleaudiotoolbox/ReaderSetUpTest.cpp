@@ -62,6 +62,17 @@ TEST_F(ReaderSetUp, TakesAnEmptyCookieAsNone)
     EXPECT_EQ(mPlatform.CallsOf("AudioFileGetProperty 'mgic'"), Lines());
 }
 
+TEST_F(ReaderSetUp, SetsNoMoreOfACookieThanThereWasRoomFor)
+{
+    mPlatform.HoldFile(kAudioFileM4AType, kAAC);
+    mPlatform.Answer(Family::File, kAudioFilePropertyMagicCookieData,
+                     PropertyAnswer::Raw({1, 2}).Delivers(100000));
+    mPlatform.Answer(Family::Converter, kAudioConverterDecompressionMagicCookie, PropertyAnswer());
+    ASSERT_TRUE(Open());
+    EXPECT_EQ(mPlatform.CallsOf("AudioConverterSetProperty"),
+              (Lines{"AudioConverterSetProperty 'dmgc' size 2: 01 02"}));
+}
+
 struct LawCookieRow
 {
     const char* mName;
@@ -163,6 +174,15 @@ TEST_F(ReaderSetUp, DoesNotScalePrimingFromAnUnknownRate)
     AudioStreamBasicDescription file = kAAC;
     file.mSampleRate = 0.0;
     EXPECT_EQ(LeadingFrames(1024, file), 1024u);
+}
+
+TEST_F(ReaderSetUp, DoesNotScalePrimingToAnUnknownRate)
+{
+    AudioStreamBasicDescription input = kAAC;
+    input.mSampleRate = 0.0;
+    mPlatform.Answer(Family::Converter, kAudioConverterCurrentInputStreamDescription,
+                     PropertyAnswer::Value(input));
+    EXPECT_EQ(LeadingFrames(1024, kAAC), 1024u);
 }
 
 TEST_F(ReaderSetUp, SurvivesPrimingBeyondAllBounds)

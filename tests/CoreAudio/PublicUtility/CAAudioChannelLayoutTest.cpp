@@ -208,6 +208,16 @@ TEST(LayoutHandle, CopiesShareTheirBlock)
     EXPECT_FALSE(third != first);
 }
 
+TEST(LayoutHandle, KeepsItsBlockWhenGivenItself)
+{
+    Handle handle(3, false);
+    const AudioChannelLayout* const block = &handle.Layout();
+    const Handle& same = handle;
+    handle = same;
+    EXPECT_EQ(&handle.Layout(), block);
+    ExpectUnknown(handle.Layout(), 3);
+}
+
 TEST(LayoutHandle, AnAssignmentLeavesOtherHandlesTheirBlock)
 {
     Handle first(3, false);
