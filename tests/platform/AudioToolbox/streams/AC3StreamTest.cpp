@@ -158,6 +158,7 @@ TEST(EAC3Stream, PacketWithoutItsLastDependentFrameIsNotWhole)
     stream.resize(stream.size() - 1);
     Opened file = Open(kEAC3, stream);
     ASSERT_EQ(file.mStatus, noErr);
+    EXPECT_EQ(file.Facts().mPacketCount, 2u);
     EXPECT_EQ(ReadAll(*file.mReader).size(), 2u);
 }
 

@@ -231,6 +231,18 @@ TEST(FLACStream, BrokenHeaderCostsOnlyItsOwnFrame)
     EXPECT_EQ(found[4], frames[5]);
 }
 
+TEST(FLACStream, NextNumbersEndAFrameBeforeALostOne)
+{
+    const FLACShape shape;
+    std::vector<Bytes> frames = Frames(shape, 0, 6);
+    frames[3][4] ^= 0x40;
+    Opened file = Open(kFLAC, Whole(FLACHead(shape), frames));
+    ASSERT_EQ(file.mStatus, noErr);
+    const std::vector<Bytes> expected = {frames[0], frames[1], Join({frames[2], frames[3]}),
+                                         frames[4], frames[5]};
+    EXPECT_EQ(BytesOf(ReadAll(*file.mReader)), expected);
+}
+
 TEST(FLACStream, NoPacketIsLargerThanTheBound)
 {
     FLACShape shape;

@@ -245,6 +245,15 @@ TEST(MPEGStream, ConstantRateWithoutATagIsEstimatedToThePacket)
     EXPECT_EQ(file.Facts().mBitRate, 128000u);
 }
 
+TEST(MPEGStream, StatedRateCountsForMoreThanTheFirstSizes)
+{
+    // Padding comes late here: the first frames alone would promise 5012 packets.
+    const Opened file =
+        Open(kMPEG, Join({Repeat(MP3Frame(), 156), Repeat(MPEGFrame(0xFFFB9200, 418), 4844)}));
+    ASSERT_EQ(file.mStatus, noErr);
+    EXPECT_EQ(static_cast<SInt64>(file.Facts().mEstimatedDuration * 44100), 5000 * 1152);
+}
+
 TEST(MPEGStream, FreeFormatIsAFormatThatNothingDecodes)
 {
     EXPECT_EQ(Open(kMPEG, Repeat(MPEGFrame(0xFFFB0000, 417), 5)).mStatus,
