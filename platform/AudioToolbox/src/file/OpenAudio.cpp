@@ -4,6 +4,8 @@
 #include "file/PacketReader.h"
 #include "tables/FileTypes.h"
 
+#include <algorithm>
+
 namespace audiotoolbox
 {
 namespace
@@ -20,6 +22,22 @@ struct Head
 OSStatus ReadHead(ByteSource& inSource, SInt64 inPosition, Head& outHead)
 {
     return inSource.ReadAt(inPosition, sizeof(outHead.mBytes), outHead.mBytes, &outHead.mCount);
+}
+
+// Where the first byte other than 0 lies within the next bytes; the start when there is none.
+OSStatus SkipZeros(ByteSource& inSource, SInt64 inStart, SInt64& outPosition)
+{
+    UInt8 bytes[4096];
+    UInt32 count = 0;
+    outPosition = inStart;
+    if (const OSStatus status = inSource.ReadAt(inStart, sizeof(bytes), bytes, &count);
+        status != noErr)
+        return status;
+    const UInt8* found =
+        std::find_if(bytes, bytes + count, [](UInt8 inByte) { return inByte != 0; });
+    if (found != bytes + count)
+        outPosition += found - bytes;
+    return noErr;
 }
 
 // The row of the hint where it fits, else the first one that fits; null where none does.
@@ -42,13 +60,22 @@ const FileTypeRow* Sniff(std::span<const UInt8> inHead, bool inIsBehindTag, Audi
 
 OSStatus OpenAudio(AudioFileTypeID inHint, ByteSourcePtr& ioSource, PacketReaderPtr& outReader)
 {
+    SInt64 start = 0;
+    if (const OSStatus status = MeasureID3v2Tags(*ioSource, start); status != noErr)
+        return status;
     Head head;
-    SInt64 tags = 0;
-    if (const OSStatus status = MeasureID3v2Tags(*ioSource, tags); status != noErr)
+    if (const OSStatus status = ReadHead(*ioSource, start, head); status != noErr)
         return status;
-    if (const OSStatus status = ReadHead(*ioSource, tags, head); status != noErr)
-        return status;
-    const FileTypeRow* row = Sniff(head.Span(), tags > 0, inHint);
+    const FileTypeRow* row = Sniff(head.Span(), start > 0, inHint);
+    if (row == nullptr)
+    {
+        // Tags are often followed by padding that they do not count.
+        if (const OSStatus status = SkipZeros(*ioSource, start, start); status != noErr)
+            return status;
+        if (const OSStatus status = ReadHead(*ioSource, start, head); status != noErr)
+            return status;
+        row = Sniff(head.Span(), true, inHint);
+    }
     if (row == nullptr)
         return kAudioFileUnsupportedFileTypeError;
     return row->mOpen(row->mType, ioSource, outReader);

@@ -2,6 +2,7 @@
 
 #include "ContainerBuilders.h"
 #include "Opened.h"
+#include "platform/AudioToolbox/src/file/caf/OpusPacket.h"
 
 #include <gtest/gtest.h>
 #include <limits>
@@ -244,6 +245,39 @@ TEST(CAF, KeepsOnlyACookieThatOpusDecodersKnow)
                           CAFTable(1, 960, 0, 0, {5}), CAFData(Bytes(5))}));
         ASSERT_EQ(file.mStatus, noErr);
         EXPECT_EQ(file.Facts().mCookie, kept);
+    }
+}
+
+struct OpusRow
+{
+    Bytes mPacket;
+    UInt32 mFrames;
+};
+
+TEST(CAF, ReadsTheLengthOfAnOpusPacket)
+{
+    const OpusRow rows[] = {
+        {{0x00}, 480},        {{0x18}, 2880}, {{0x60}, 480},  {{0x78}, 960},
+        {{0x80}, 120},        {{0xFC}, 960},  {{0xFD}, 1920}, {{0xFE}, 1920},
+        {{0xFF, 0x83}, 2880}, {{0xFF}, 0},    {{}, 0},
+    };
+    for (const OpusRow& row : rows)
+        EXPECT_EQ(audiotoolbox::FramesOfOpusPacket(row.mPacket), row.mFrames);
+}
+
+TEST(CAF, BelievesAnOpusPacketMoreThanItsDescription)
+{
+    for (const UInt32 told : {120u, 960u})
+    {
+        CAFRecord record = Coded("opus", 0, told);
+        record.mRate = 48000.0;
+        const Opened file =
+            Open(CAFFile({CAFChunk("desc", record.Get()), CAFTable(2, 2 * told, 0, 0, {2, 2}),
+                          CAFData({0xFC, 0, 0xFC, 0})}));
+        ASSERT_EQ(file.mStatus, noErr) << told;
+        EXPECT_EQ(file.Format().mFramesPerPacket, 960u) << told;
+        EXPECT_EQ(file.Facts().mPacketTable->mNumberValidFrames, 1920) << told;
+        EXPECT_EQ(static_cast<UInt64>(file.Facts().mEstimatedDuration * 48000.0), 1920u) << told;
     }
 }
 

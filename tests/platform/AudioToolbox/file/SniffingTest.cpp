@@ -1,6 +1,6 @@
 // Which row of the file type table a beginning fits.
 
-#include "ByteBuilder.h"
+#include "Opened.h"
 #include "platform/AudioToolbox/src/tables/FileTypes.h"
 
 #include <gtest/gtest.h>
@@ -99,6 +99,25 @@ TEST(Sniffing, KnowsNothingElse)
     };
     for (const Bytes& head : heads)
         EXPECT_EQ(TypeOf(head), 0u);
+}
+
+TEST(Opening, FindsAStreamBehindATagAndUncountedPadding)
+{
+    // Layer 3, 128000 bits per second at 44100 Hz: frames of 417 bytes.
+    ByteBuilder frames;
+    for (int i = 0; i < 4; ++i)
+        frames.Raw({0xFF, 0xFB, 0x90, 0x00}).Raw(Bytes(413));
+    const Bytes tag = ByteBuilder().Text("ID3").Raw({4, 0, 0, 0, 0, 0, 5}).Raw(Bytes(5)).Get();
+    for (const Bytes& before :
+         {Bytes(), tag, Bytes(300), ByteBuilder().Raw(tag).Raw(Bytes(300)).Get()})
+    {
+        const Opened file = Open(ByteBuilder().Raw(before).Raw(frames.Get()).Get());
+        ASSERT_EQ(file.mStatus, noErr) << before.size();
+        EXPECT_EQ(file.Facts().mFileType, kAudioFileMP3Type);
+        EXPECT_EQ(file.Facts().mDataOffset, static_cast<SInt64>(before.size()));
+        EXPECT_EQ(Drain(*file.mReader).mPackets.size(), 4u);
+    }
+    EXPECT_EQ(Open(Bytes(10000)).mStatus, kAudioFileUnsupportedFileTypeError);
 }
 
 TEST(FileTypes, EveryRowIsWhole)

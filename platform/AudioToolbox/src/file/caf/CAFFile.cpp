@@ -8,6 +8,7 @@
 #include "file/StoredLayout.h"
 #include "file/caf/CAFFormat.h"
 #include "file/caf/CAFPacketTable.h"
+#include "file/caf/OpusPacket.h"
 
 #include <algorithm>
 #include <utility>
@@ -124,20 +125,50 @@ OSStatus MakeConstant(const Parts& inParts, UInt32 inStoredFrames, ByteSourcePtr
     return noErr;
 }
 
-OSStatus MakeIndexed(const Parts& inParts, UInt32 inStoredFrames, ByteSourcePtr& ioSource,
+// Some software states a length of Opus packets that they do not have, and counts the valid frames
+// with it. The first packet knows better; the stated count is dropped with the length.
+OSStatus CorrectOpusLength(ByteSource& inSource, const PacketSizes& inIndex,
+                           CAFPacketTable& ioTable, FileFacts& ioFacts)
+{
+    constexpr double kOpusRate = 48000.0;
+    AudioStreamBasicDescription& format = ioFacts.mDataFormat;
+    if (format.mFormatID != kAudioFormatOpus || format.mFramesPerPacket == 0 ||
+        inIndex.Count() == 0)
+        return noErr;
+    UInt8 head[2];
+    UInt32 got = 0;
+    const UInt32 wanted = std::min<UInt32>(inIndex.SizeOf(0), sizeof(head));
+    if (const OSStatus status = inSource.ReadAt(ioFacts.mDataOffset, wanted, head, &got);
+        status != noErr)
+        return status;
+    const double frames = FramesOfOpusPacket({head, got}) * format.mSampleRate / kOpusRate;
+    const auto whole = static_cast<UInt32>(std::min(frames, kOpusRate));
+    if (whole == 0 || whole == format.mFramesPerPacket || frames != whole)
+        return noErr;
+    format.mFramesPerPacket = whole;
+    ioTable.mValidFrames = 0;
+    return noErr;
+}
+
+OSStatus MakeIndexed(Parts& ioParts, UInt32 inStoredFrames, ByteSourcePtr& ioSource,
                      FileFacts& ioFacts, PacketReaderPtr& outReader)
 {
-    if (!inParts.mTable)
+    if (!ioParts.mTable)
         return kAudioFileInvalidFileError;
     PacketSizes index;
-    if (const OSStatus status = ReadCAFPacketIndex(*ioSource, *inParts.mTable, ioFacts.mDataFormat,
+    if (const OSStatus status = ReadCAFPacketIndex(*ioSource, *ioParts.mTable, ioFacts.mDataFormat,
                                                    ioFacts.mDataByteCount, index);
+        status != noErr)
+        return status;
+    if (const OSStatus status = CorrectOpusLength(*ioSource, index, *ioParts.mTable, ioFacts);
         status != noErr)
         return status;
     const UInt32 frames = ioFacts.mDataFormat.mFramesPerPacket;
     const auto count = static_cast<UInt64>(index.Count());
     const UInt64 held = frames > 0 ? FramesOfPackets(count, frames) : index.TotalFrames();
-    ioFacts.mPacketTable = FramesOfTable(*inParts.mTable, held, inStoredFrames, frames);
+    const bool isLayered = ioFacts.mFormats.size() > 1;
+    ioFacts.mPacketTable =
+        FramesOfTable(*ioParts.mTable, held, isLayered ? inStoredFrames : frames, frames);
     ioFacts.mPacketCount = count;
     ioFacts.mPacketSizeUpperBound = std::max<UInt32>(index.LargestSize(), 1);
     ioFacts.mDataByteCount = index.TotalBytes();
@@ -169,9 +200,9 @@ OSStatus OpenCAF(AudioFileTypeID, ByteSourcePtr& ioSource, PacketReaderPtr& outR
     if (facts.mDataFormat.mFormatID != kAudioFormatLinearPCM)
         if (const OSStatus status = ApplyCAFCookie(parts.mCookie, facts); status != noErr)
             return status;
-    const auto make =
-        facts.mDataFormat.mBytesPerPacket > 0 && storedFrames > 0 ? &MakeConstant : &MakeIndexed;
-    return make(parts, storedFrames, ioSource, facts, outReader);
+    if (facts.mDataFormat.mBytesPerPacket > 0 && storedFrames > 0)
+        return MakeConstant(parts, storedFrames, ioSource, facts, outReader);
+    return MakeIndexed(parts, storedFrames, ioSource, facts, outReader);
 }
 
 }  // namespace audiotoolbox
