@@ -1,5 +1,7 @@
 #include "ProbedPackets.h"
 
+#include <gtest/gtest.h>
+
 #include <cstdio>
 #include <cstdlib>
 #include <fstream>
@@ -50,9 +52,7 @@ std::vector<Bytes> ProbedPackets(const std::string& inPath)
 
 std::vector<Bytes> ProbedPacketsOf(const Bytes& inBytes, const std::string& inSuffix)
 {
-    const char* const folder = std::getenv("TMPDIR");
-    std::string path =
-        std::string(folder != nullptr ? folder : "/tmp") + "/streamXXXXXX" + inSuffix;
+    std::string path = testing::TempDir() + "/streamXXXXXX" + inSuffix;
     const int file = mkstemps(path.data(), static_cast<int>(inSuffix.size()));
     if (file < 0)
         return {};
