@@ -262,11 +262,16 @@ static int32_t call(entry_function entry, int selector, void* handle, void* obje
     return result;
 }
 
-/* Native byte order, packed; widths 1 to 3 are integers, 4 is float. */
+/* Native byte order, packed: unsigned bytes, integers of 2 and 3 bytes, floats. */
 static void print_sample(const char* at, int width, int channel, int64_t frame)
 {
     int32_t number = 0;
     float real = 0;
+    if (width == 1)
+    {
+        printf("%d %" PRId64 " %d\n", channel, frame, *(const unsigned char*)at);
+        return;
+    }
     if (width == 4)
     {
         memcpy(&real, at, 4);
