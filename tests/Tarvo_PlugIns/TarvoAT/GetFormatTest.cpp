@@ -31,6 +31,7 @@ struct GetFormatTest : testing::Test
     }
 
     CallLog mLog;
+    RecordingErrors mErrors{mLog};
     RecordingFormat mFormat{mLog};
     FakeReader mReader;
 };
@@ -81,8 +82,7 @@ TEST_F(GetFormatTest, AWidthOf0AddsItsFlagToTheFormats)
 
 TEST_F(GetFormatTest, AWidthAbove4FailsBehindCountAndRateWithoutAText)
 {
-    RecordingErrors errors(mLog);
-    mFormat.mErrors = &errors;
+    mFormat.mErrors = &mErrors;
     for (const unsigned int width : {5u, 8u, 0xFFFFFFFFu})
     {
         mReader.mWidth = width;
