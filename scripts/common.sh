@@ -4,7 +4,7 @@
 build_packages=(g++ cmake ninja-build pkg-config
     libavcodec-dev libswresample-dev libhwy-dev libboost-dev libexpat1-dev libcli11-dev nlohmann-json3-dev)
 test_packages=(libgtest-dev libsndfile1-dev libavformat-dev ffmpeg flac sox libsox-fmt-all lame mpg123 faad
-    twolame opus-tools binutils)
+    sndfile-programs binutils)
 bench_packages=(libavformat-dev libsndfile1-dev ffmpeg sndfile-programs flac lame python3)
 fuzz_packages=(clang-14 libclang-rt-14-dev)
 

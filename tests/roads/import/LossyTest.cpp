@@ -29,6 +29,8 @@ void PrintTo(const LossyRow& inRow, std::ostream* outText)
     *outText << inRow.mFile;
 }
 
+constexpr std::ptrdiff_t kMostDelay = 1190;  // the surround tones repeat after 2400 frames
+
 class LossyTest : public testing::TestWithParam<LossyRow>
 {
 };
@@ -40,13 +42,14 @@ TEST_P(LossyTest, IsAlignedAndOfTheRightLength)
     const Audio source = ReadBySndfile(MadeFile(row.mSource));
     EXPECT_EQ(imported.mAudio.FrameCount(), row.mFrameCount);
     ASSERT_EQ(imported.mAudio.mChannels.size(), source.mChannels.size());
-    EXPECT_EQ(testing_support::BestDelay(source, imported.mAudio, 2500), row.mDelay);
+    EXPECT_EQ(testing_support::BestDelay(source, imported.mAudio, kMostDelay), row.mDelay);
     EXPECT_GT(testing_support::SignalToDifference(source, imported.mAudio, row.mDelay),
               row.mLeastDecibels);
 }
 
 // With a packet table the first delivered frame is the first one of the source. Raw streams have
-// none, so that the encoder's delay stays in front and its padding at the end.
+// none, so that the encoder's delay stays in front and its padding at the end. The maker of the
+// AC-3 and ADPCM files records lengths of whole packets.
 INSTANTIATE_TEST_SUITE_P(
     Files, LossyTest,
     testing::Values(LossyRow{"mp3-128.mp3", "source-s16.wav", 0, 50021, 20.0},
@@ -62,12 +65,12 @@ INSTANTIATE_TEST_SUITE_P(
                     LossyRow{"aac.m4b", "source-s16.wav", 0, 50021, 20.0},
                     LossyRow{"aac.3gp", "source-s16.wav", 0, 50021, 20.0},
                     LossyRow{"aac-5.1.m4a", "source-s16-5.1.wav", 0, 40007, 20.0},
-                    LossyRow{"ac3.m4a", "source-s16.wav", 0, 50021, 20.0},
-                    LossyRow{"eac3.mp4", "source-s16.wav", 0, 50021, 20.0},
+                    LossyRow{"ac3.m4a", "source-s16.wav", 0, 50432, 20.0},
+                    LossyRow{"eac3.mp4", "source-s16.wav", 0, 50432, 20.0},
                     LossyRow{"mp3.mp4", "source-s16.wav", 0, 50021, 20.0},
                     LossyRow{"opus.mp4", "source-s16-48k.wav", 0, 54445, 15.0},
-                    LossyRow{"wav-ima.wav", "source-s16.wav", 0, 50021, 20.0},
-                    LossyRow{"wav-ms.wav", "source-s16.wav", 0, 50021, 20.0},
+                    LossyRow{"wav-ima.wav", "source-s16.wav", 0, 50850, 20.0},
+                    LossyRow{"wav-ms.wav", "source-s16.wav", 0, 50600, 20.0},
                     LossyRow{"video.mp4", "source-s16.wav", 0, 50021, 20.0}));
 
 struct JudgeRow
@@ -118,9 +121,13 @@ INSTANTIATE_TEST_SUITE_P(
     testing::Values(JudgeRow{"mp3-128.mp3", "mpg123 -q -e f32 -w %2 %1 2>&1", 0, 90.0},
                     JudgeRow{"mp3-vbr.mp3", "mpg123 -q -e f32 -w %2 %1 2>&1", 0, 90.0},
                     JudgeRow{"mp2.mp2", "mpg123 -q -e f32 -w %2 %1 2>&1", 0, 60.0},
-                    JudgeRow{"adts.aac", "faad -q -b 4 -o %2 %1 2>/dev/null", 0, 60.0},
+                    // This judge drops the first packet, and noise substitution differs.
+                    JudgeRow{"adts.aac", "faad -q -b 4 -o %2 %1 2>/dev/null", 1024, 25.0},
                     JudgeRow{"flac-24.flac", "flac -s -d -f -o %2 %1", 0, 250.0},
                     JudgeRow{"flac-5.1.flac", "flac -s -d -f -o %2 %1", 0, 250.0},
-                    JudgeRow{"caf-ima4.caf", "sox %1 -b 24 %2", 0, 60.0}));
+                    JudgeRow{"wav-ima.wav", "sox %1 -b 24 %2", 0, 50.0},
+                    JudgeRow{"wav-gsm.wav", "sox %1 -b 24 %2", 0, 60.0},
+                    // This judge rounds the predictor at every packet.
+                    JudgeRow{"aifc-ima4.aifc", "sndfile-convert -pcm24 %1 %2", 0, 40.0}));
 
 }  // namespace

@@ -143,11 +143,11 @@ TEST_F(TarvoTest, DecodeWritesSamplesAloneToStandardOutput)
 
 TEST_F(TarvoTest, DecodeKeepsPaddingOnlyWhenAsked)
 {
-    const json plain = json::parse(RunTarvo({"decode", "--json", Made("aac.m4a")}).mOutput);
-    EXPECT_EQ(plain.at("frames"), 50021);
+    const json plain = json::parse(RunTarvo({"decode", "--json", Made("aac-long.m4a")}).mOutput);
+    EXPECT_EQ(plain.at("frames"), 150063);
     const json full =
-        json::parse(RunTarvo({"decode", "--json", "--full", Made("aac.m4a")}).mOutput);
-    EXPECT_EQ(full.at("frames"), 50 * 1024 - 1024);
+        json::parse(RunTarvo({"decode", "--json", "--full", Made("aac-long.m4a")}).mOutput);
+    EXPECT_EQ(full.at("frames"), 147 * 1024);
 }
 
 TEST_F(TarvoTest, DecodeRefusesATargetThatIsThere)
