@@ -298,10 +298,10 @@ std::size_t SplitWidth(const DeinterleaveJob& inJob)
 HWY_AFTER_NAMESPACE();
 
 #if HWY_ONCE
+#include <VectorTarget.h>
+
 namespace appleaudiotoolbox
 {
-
-HWY_EXPORT(SplitWidth);
 
 void Deinterleave(const char* inFrames, std::size_t inChannels, std::size_t inBytesPerSample,
                   std::size_t inFrameCount, char* const* outChannels)
@@ -315,7 +315,7 @@ void Deinterleave(const char* inFrames, std::size_t inChannels, std::size_t inBy
     }
     const DeinterleaveJob job = {reinterpret_cast<const std::uint8_t*>(inFrames), inChannels,
                                  inBytesPerSample, inFrameCount, outChannels};
-    for (std::size_t frame = HWY_DYNAMIC_DISPATCH(SplitWidth)(job); frame < inFrameCount; ++frame)
+    for (std::size_t frame = VECTOR_CHOOSE(SplitWidth)(job); frame < inFrameCount; ++frame)
         for (std::size_t channel = 0; channel < inChannels; ++channel)
             std::memcpy(job.Out(frame, channel), job.Sample(frame, channel), inBytesPerSample);
 }

@@ -2,7 +2,7 @@
 #include "appleaudiotoolbox/src/Deinterleave.h"
 
 #include <gtest/gtest.h>
-#include <hwy/targets.h>
+#include <VectorTarget.h>
 
 #include <cstdint>
 #include <memory>
@@ -59,13 +59,9 @@ class Deinterleaving : public testing::TestWithParam<int64_t>
 {
 protected:
     Deinterleaving() { Play(GetParam()); }
-    ~Deinterleaving() override { Play(0); }
+    ~Deinterleaving() override { Play(~std::int64_t{0}); }
 
-    static void Play(int64_t inTarget)
-    {
-        hwy::SetSupportedTargetsForTest(inTarget);
-        hwy::GetChosenTarget().Update(hwy::SupportedTargets());
-    }
+    static void Play(int64_t inTarget) { vectortarget::sAllowed = inTarget; }
 };
 
 TEST_P(Deinterleaving, MatchesAPlainLoopForEveryWidthAndChannelCount)
@@ -93,9 +89,9 @@ TEST(Deinterleave, OfNoFramesTouchesNothing)
 // Those that the code under test is compiled for and this processor has.
 std::vector<int64_t> Targets()
 {
-    std::vector<int64_t> targets;
-    for (const int64_t target : {HWY_AVX2, HWY_SSE4, HWY_SSSE3, HWY_SCALAR})
-        if (hwy::SupportedTargets() & target)
+    std::vector<int64_t> targets = {0};  // the baseline
+    for (const int64_t target : {HWY_AVX2, HWY_SSE4, HWY_SSSE3})
+        if (vectortarget::OfProcessor() & target)
             targets.push_back(target);
     return targets;
 }

@@ -113,13 +113,13 @@ void InterleaveFloats(const UInt8* const* inPlanes, SampleWord inWord, UInt32 in
 HWY_AFTER_NAMESPACE();
 
 #if HWY_ONCE
+#include <VectorTarget.h>
+
 namespace audiotoolbox
 {
 
 namespace
 {
-
-HWY_EXPORT(InterleaveFloats);
 
 template <std::size_t kBytes>
 void Gather(const UInt8* const* inPlanes, UInt32 inChannels, std::size_t inFrames, UInt8* outFrames)
@@ -151,7 +151,7 @@ bool CanInterleaveToFloat(const SampleLayout& inPlanes)
 void InterleaveToFloat(const UInt8* const* inPlanes, SampleWord inWord, UInt32 inChannelCount,
                        std::size_t inFrameCount, Float32* outFrames)
 {
-    HWY_DYNAMIC_DISPATCH(InterleaveFloats)
+    VECTOR_CHOOSE(InterleaveFloats)
     (inPlanes, inWord, inChannelCount, inFrameCount, outFrames);
 }
 

@@ -255,14 +255,13 @@ KernelFunction FindSwap(std::size_t inBytes)
 HWY_AFTER_NAMESPACE();
 
 #if HWY_ONCE
+#include <VectorTarget.h>
+
 namespace audiotoolbox
 {
 
 namespace
 {
-
-HWY_EXPORT(FindKernel);
-HWY_EXPORT(FindSwap);
 
 template <std::size_t kBytes>
 void Copy(const UInt8* inSamples, UInt8* outSamples, std::size_t inCount, const KernelNumbers&)
@@ -322,9 +321,9 @@ SampleKernel::SampleKernel(const SampleLayout& inFrom, const SampleLayout& inTo)
     if (inFrom == inTo)
         mFunction = FindCopy(inFrom.mWord);
     else if (IsOnlyByteOrder(inFrom, inTo))
-        mFunction = HWY_DYNAMIC_DISPATCH(FindSwap)(WordBytes(inFrom.mWord));
+        mFunction = VECTOR_CHOOSE(FindSwap)(WordBytes(inFrom.mWord));
     else
-        mFunction = HWY_DYNAMIC_DISPATCH(FindKernel)(IndexOf(inFrom), IndexOf(inTo));
+        mFunction = VECTOR_CHOOSE(FindKernel)(IndexOf(inFrom), IndexOf(inTo));
     TellSource(inFrom, mNumbers);
     TellDestination(inTo, inFrom.mBits, mNumbers);
 }

@@ -6,7 +6,7 @@
 #include "convert/SampleKernels.h"
 
 #include <gtest/gtest.h>
-#include <hwy/targets.h>
+#include <VectorTarget.h>
 
 #include <random>
 
@@ -104,15 +104,15 @@ void ExpectKernelMatches(const SampleLayout& inFrom, const SampleLayout& inTo, s
 class EveryInstructionSet : public testing::TestWithParam<int64_t>
 {
 protected:
-    void SetUp() override { hwy::SetSupportedTargetsForTest(GetParam()); }
-    void TearDown() override { hwy::SetSupportedTargetsForTest(0); }
+    void SetUp() override { vectortarget::sAllowed = GetParam(); }
+    void TearDown() override { vectortarget::sAllowed = ~int64_t{0}; }
 };
 
 std::vector<int64_t> InstructionSets()
 {
-    std::vector<int64_t> sets = {int64_t{HWY_EMU128}};
+    std::vector<int64_t> sets = {0};
     for (const int64_t set : {int64_t{HWY_SSE4}, int64_t{HWY_AVX2}})
-        if ((hwy::SupportedTargets() & set) != 0)
+        if ((vectortarget::OfProcessor() & set) != 0)
             sets.push_back(set);
     return sets;
 }
