@@ -1,7 +1,11 @@
 #include "host/Interrupt.h"
 
+#include "host/ExitCode.h"
+
+#include <atomic>
 #include <csignal>
 #include <initializer_list>
+#include <unistd.h>
 
 namespace host
 {
@@ -10,10 +14,27 @@ namespace
 {
 
 volatile std::sig_atomic_t sSignal = 0;
+std::atomic<const char*> sFileToRemove{nullptr};
+static_assert(std::atomic<const char*>::is_always_lock_free);  // a signal handler reads it
 
 void Note(int inSignal)
 {
-    sSignal = inSignal;
+    if (sSignal == 0)
+    {
+        sSignal = inSignal;
+        return;
+    }
+    if (const char* path = sFileToRemove.load())
+        (void)unlink(path);
+    _exit(kExitSignalBase + inSignal);
+}
+
+// nohup starts a program so. Shells ignore SIGINT for what runs behind "&", but whoever sends that
+// one by name means it.
+bool IsHangUpIgnored()
+{
+    struct sigaction action = {};
+    return sigaction(SIGHUP, nullptr, &action) == 0 && action.sa_handler == SIG_IGN;
 }
 
 }  // namespace
@@ -22,12 +43,12 @@ void WatchInterrupts()
 {
     struct sigaction action = {};
     action.sa_handler = &Note;
-    action.sa_flags = static_cast<int>(SA_RESETHAND);  // a second one ends the process at once
-    for (const int signal : {SIGINT, SIGTERM, SIGHUP})
+    for (const int signal : {SIGINT, SIGTERM})
         sigaction(signal, &action, nullptr);
+    if (!IsHangUpIgnored())
+        sigaction(SIGHUP, &action, nullptr);
 
     action.sa_handler = SIG_IGN;
-    action.sa_flags = 0;
     sigaction(SIGPIPE, &action, nullptr);
     sigaction(SIGXFSZ, &action, nullptr);
 }
@@ -36,6 +57,11 @@ void CheckInterrupt()
 {
     if (sSignal != 0)
         throw Interrupted{sSignal};
+}
+
+void RemoveWhenKilled(const char* inPath)
+{
+    sFileToRemove.store(inPath);
 }
 
 }  // namespace host

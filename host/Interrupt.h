@@ -12,11 +12,16 @@ struct Interrupted
     int mSignal;
 };
 
-/// Takes the signals over. A broken pipe becomes a write error. Once, at start.
+/// Takes the signals over; a SIGHUP that is ignored, as under nohup, stays so. A broken pipe
+/// becomes a write error. A second signal ends the process at once. Once, at start.
 void WatchInterrupts();
 
-/// Throws Interrupted when a signal has arrived.
+/// Throws Interrupted when a signal has arrived. System calls that wait answer EINTR then.
 void CheckInterrupt();
+
+/// The one file that even a second signal removes; null for none. The text stays the caller's and
+/// is used until the next call.
+void RemoveWhenKilled(const char* inPath);
 
 }  // namespace host
 

@@ -1,6 +1,7 @@
 #include "host/OutputFile.h"
 
 #include "host/Failure.h"
+#include "host/Interrupt.h"
 
 #include <cerrno>
 #include <cstdint>
@@ -30,6 +31,18 @@ bool Sync(int inDescriptor)
     return fsync(inDescriptor) == 0 || errno == EINVAL || errno == ENOTSUP || errno == EROFS;
 }
 
+// Waits for a reader where the target is a pipe, until a signal arrives.
+int OpenForWriting(const char* inPath)
+{
+    for (;;)
+    {
+        CheckInterrupt();
+        const int descriptor = open(inPath, O_WRONLY | O_CLOEXEC);
+        if (descriptor >= 0 || errno != EINTR)
+            return descriptor;
+    }
+}
+
 }  // namespace
 
 OutputFile::OutputFile(const std::string& inPath, bool inMayReplace, const std::string& inSource)
@@ -43,6 +56,8 @@ OutputFile::OutputFile(const std::string& inPath, bool inMayReplace, const std::
         return;
     }
 
+    if (inPath.empty())
+        Fail("cannot write", ENOENT);
     struct stat target = {};
     const bool exists = stat(inPath.c_str(), &target) == 0;
     if (exists && S_ISDIR(target.st_mode))
@@ -54,7 +69,7 @@ OutputFile::OutputFile(const std::string& inPath, bool inMayReplace, const std::
 
     if (exists && !S_ISREG(target.st_mode))
     {
-        mDescriptor = open(inPath.c_str(), O_WRONLY | O_CLOEXEC);
+        mDescriptor = OpenForWriting(inPath.c_str());
         if (mDescriptor < 0)
             Fail("cannot write", errno);
         return;
@@ -68,8 +83,10 @@ OutputFile::~OutputFile()
 {
     if (mDescriptor >= 0)
         (void)close(mDescriptor);
-    if (!mTemporary.empty())
-        (void)unlink(mTemporary.c_str());
+    if (mTemporary.empty())
+        return;
+    (void)unlink(mTemporary.c_str());
+    RemoveWhenKilled(nullptr);
 }
 
 void OutputFile::OpenTemporary(unsigned int inMode)
@@ -87,6 +104,7 @@ void OutputFile::OpenTemporary(unsigned int inMode)
     if (mDescriptor < 0)
         Fail("cannot write", errno);
     mTemporary = name;
+    RemoveWhenKilled(mTemporary.c_str());
     (void)fchmod(mDescriptor, inMode);  // at worst the file stays private
 }
 
@@ -95,6 +113,7 @@ void OutputFile::Write(const void* inBytes, std::size_t inCount)
     const char* bytes = static_cast<const char*>(inBytes);
     while (inCount > 0)
     {
+        CheckInterrupt();  // each time, since a signal may also cut a write short
         const ssize_t written = write(mDescriptor, bytes, inCount);
         if (written < 0 && errno == EINTR)
             continue;
@@ -117,6 +136,7 @@ void OutputFile::Commit()
         return;
     if (rename(mTemporary.c_str(), mPath.c_str()) != 0)
         Fail("cannot write", errno);
+    RemoveWhenKilled(nullptr);
     mTemporary.clear();
 }
 

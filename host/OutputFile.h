@@ -18,13 +18,13 @@ public:
     /// inPath         the target; "-" is standard output
     /// inMayReplace   whether a regular file that is there already may be replaced
     /// inSource       the file that is being read; writing onto it is refused; may be empty
-    /// Throws Failure (kExitOutput).
+    /// Throws Failure (kExitOutput), and Interrupted while it waits for a pipe's reader.
     OutputFile(const std::string& inPath, bool inMayReplace, const std::string& inSource);
     ~OutputFile();
     OutputFile(const OutputFile&) = delete;
     OutputFile& operator=(const OutputFile&) = delete;
 
-    /// All inCount bytes, or throws Failure.
+    /// All inCount bytes, or throws Failure or Interrupted.
     void Write(const void* inBytes, std::size_t inCount);
 
     /// Makes the file appear under its name, synced to disk. Throws Failure; nothing is left then.

@@ -21,7 +21,7 @@ namespace
 struct DecodeOptions
 {
     std::string mFile;
-    std::string mRaw;  // empty: samples are discarded
+    std::optional<std::string> mRaw;  // none: samples are discarded
     bool mFull = false;
     bool mForce = false;
 };
@@ -103,8 +103,8 @@ int Decode(const PlugIn& inPlugIn, const CommonOptions& inCommon, const DecodeOp
     {
         ReadSession session(inPlugIn, inOptions.mFile);
         std::optional<OutputFile> output;
-        if (!inOptions.mRaw.empty())
-            output.emplace(inOptions.mRaw, inOptions.mForce, inOptions.mFile);
+        if (inOptions.mRaw)
+            output.emplace(*inOptions.mRaw, inOptions.mForce, inOptions.mFile);
         const DecodeResult result = DecodeAll(session, inOptions, output ? &*output : nullptr);
         if (output)
             output->Commit();

@@ -102,6 +102,11 @@ TEST_F(OutputFileTest, RefusesAFolderAndAMissingOne)
     EXPECT_THROW(OutputFile(Path("missing/out"), true, ""), host::Failure);
 }
 
+TEST_F(OutputFileTest, RefusesAnEmptyName)
+{
+    EXPECT_THROW(OutputFile("", false, ""), host::Failure);
+}
+
 TEST_F(OutputFileTest, TellsOfAFullDevice)
 {
     OutputFile file("/dev/full", false, "");

@@ -8,6 +8,7 @@
 #include <filesystem>
 #include <fstream>
 #include <iterator>
+#include <sys/stat.h>
 
 namespace
 {
@@ -15,6 +16,7 @@ namespace
 namespace fs = std::filesystem;
 using nlohmann::json;
 using testing_support::ProgramRun;
+using testing_support::RunProgram;
 using testing_support::RunTarvo;
 
 std::string Made(const char* inName)
@@ -182,6 +184,24 @@ TEST_F(TarvoTest, AFailedDecodeLeavesNoFile)
 {
     EXPECT_EQ(RunTarvo({"decode", "--raw", Path("out.raw"), Path("missing.wav")}).mExitCode, 3);
     EXPECT_TRUE(fs::is_empty(mFolder));
+}
+
+TEST_F(TarvoTest, DecodeRefusesAnEmptyTarget)
+{
+    const ProgramRun run = RunTarvo({"decode", "--raw", "", Made("wav-s16.wav")});
+    EXPECT_EQ(run.mExitCode, 4) << run.mErrors;
+    EXPECT_EQ(run.mOutput, "");
+}
+
+TEST_F(TarvoTest, AnInterruptEndsItWithTheSignalsNumber)
+{
+    ASSERT_EQ(mkfifo(Path("pipe").c_str(), 0600), 0);
+    // Nobody reads, so that it waits for ever.
+    const ProgramRun run =
+        RunProgram({"/usr/bin/timeout", "--preserve-status", "-s", "INT", "-k", "20", "1",
+                    TEST_TARVO, "decode", "--raw", Path("pipe"), Made("wav-s16.wav")});
+    EXPECT_EQ(run.mExitCode, 130) << run.mErrors;
+    EXPECT_EQ(run.mErrors, "");
 }
 
 TEST_F(TarvoTest, BenchReadPrintsItsLine)
