@@ -25,7 +25,7 @@ struct FactsRow
     int mBits;             // of the stored samples, 0 compressed
     std::int64_t mFrames;  // exact; 0: the file does not tell, so an estimate is in order
     double mBitrate;       // bits per second, exact for PCM, else within 5 %; 0: as the file's size
-                      // tells, which counts its headers too
+                           // tells, which counts its headers too
 };
 
 void PrintTo(const FactsRow& inRow, std::ostream* outText)
