@@ -71,10 +71,19 @@ void BlockReader::PointChannels(std::int64_t inFramesBefore)
         mChannels[channel] = mMemory.data() + channel * stride + first;
 }
 
+// Up to the told length, and only then behind it: the plug-in cuts the padding off a read that
+// spans the whole file, and may then fill the place from what is behind over the first frames.
+std::int64_t BlockReader::FramesToAsk() const
+{
+    const std::int64_t left = mTold - mRead;
+    return left > 0 ? std::min(left, mBlock) : mBlock;
+}
+
 std::int64_t BlockReader::ReadBlock()
 {
     PointChannels(0);
-    const std::int64_t count = mSession.IsAtEnd() ? 0 : mSession.Read(mChannels.data(), mBlock);
+    const std::int64_t count =
+        mSession.IsAtEnd() ? 0 : mSession.Read(mChannels.data(), FramesToAsk());
     mRead += count;
     return count;
 }

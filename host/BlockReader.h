@@ -29,6 +29,7 @@ public:
     char* const* Channels() const { return mChannels.data(); }
 
 private:
+    std::int64_t FramesToAsk() const;
     std::int64_t ReadBlock();
     std::int64_t HoldBack(std::int64_t inCount);
     void PointChannels(std::int64_t inFramesBefore);

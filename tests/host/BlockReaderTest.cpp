@@ -87,6 +87,15 @@ TEST_F(BlockReaderTest, HoldsASurplusThatReachesOverABlocksEnd)
     }
 }
 
+TEST_F(BlockReaderTest, NeverReadsOverTheToldLength)
+{
+    mFile.mToldFrames = 70000;
+    mFile.mTrueFrames = 70500;
+    EXPECT_EQ(ReadAll(false), 70000);
+    const std::vector<std::int64_t> asked = {65536, 4464, 65536};
+    EXPECT_EQ(mFile.mAskedCounts, asked);
+}
+
 TEST_F(BlockReaderTest, KeepsEverythingWhenAsked)
 {
     mFile.mToldFrames = 1000;

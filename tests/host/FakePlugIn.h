@@ -11,6 +11,7 @@
 #include <algorithm>
 #include <cstring>
 #include <string>
+#include <vector>
 
 namespace testing_support
 {
@@ -29,6 +30,7 @@ struct FakeFile
     bool mGivesHandle = true;
 
     std::int64_t mPosition = 0;
+    std::vector<std::int64_t> mAskedCounts;  // of every read
     int mOpen = 0;
 };
 
@@ -69,6 +71,7 @@ inline std::int32_t AnswerRead(TarvoReadSamplesInterface& outSamples)
     if (file.mFailingRead >= 0 && file.mPosition >= file.mFailingRead)
         return kTarvoResultFailed;
     const std::int64_t asked = outSamples.GetSampleCount();
+    file.mAskedCounts.push_back(asked);
     const std::int64_t count = std::min(asked, file.mTrueFrames - file.mPosition);
     for (int channel = 0; channel < file.mChannels; ++channel)
     {
