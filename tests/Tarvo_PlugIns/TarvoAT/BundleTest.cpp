@@ -1,8 +1,12 @@
-// The built bundle from outside: its files, what it exports, and what it leaves to be resolved.
+// The built bundle from outside: its files, what it exports, what it leaves to be resolved, and
+// what it lets through.
+#include "TarvoSDK/TarvoSDK.h"
+
 #include <gtest/gtest.h>
 
 #include <array>
 #include <cstdio>
+#include <dlfcn.h>
 #include <filesystem>
 #include <fstream>
 #include <iterator>
@@ -119,6 +123,16 @@ TEST(Bundle, CallsNoOtherPlatformFunctions)
     }
 }
 
+TEST(Bundle, LooksNothingUpByName)
+{
+    const Names symbols = UndefinedSymbols();
+    ASSERT_FALSE(symbols.empty());
+    for (const std::string& name : symbols)
+        EXPECT_FALSE(name.starts_with("dlsym") || name.starts_with("dlvsym") ||
+                     name.starts_with("dlopen"))
+            << name;
+}
+
 TEST(Bundle, FindsItsLibrariesByItself)
 {
     const std::string dynamic = Dynamic();
@@ -136,6 +150,60 @@ TEST(Bundle, BindsNothingToItself)
     const std::string dynamic = Dynamic();
     ASSERT_NE(dynamic.find("(NEEDED)"), std::string::npos);
     EXPECT_EQ(dynamic.find("SYMBOLIC"), std::string::npos);
+}
+
+// Throws at the operation of a number, in the order in which a failing open calls them.
+class ThrowingHost : public TarvoOpenInterface, public TarvoErrorInterface
+{
+public:
+    explicit ThrowingHost(int inOperation) : mOperation(inOperation) {}
+
+    TarvoErrorInterface* GetErrorInterface() const override
+    {
+        Reach(1);
+        return const_cast<ThrowingHost*>(this);
+    }
+    const char* GetFilePath() const override
+    {
+        Reach(2);
+        return "/nowhere/missing.wav";
+    }
+    void SetErrorText(const uint16*) override { Reach(3); }
+    void SetFileHandle(void*) override {}
+    void SetOpenStatus(std::int32_t) override {}
+    void SetFormatDescription(const uint16*) override {}
+    void SetBitrate(std::uint32_t) override {}
+
+private:
+    void Reach(int inOperation) const
+    {
+        if (inOperation == mOperation)
+            throw inOperation;
+    }
+
+    const int mOperation;
+};
+
+TEST(Bundle, LetsAHostsExceptionsThrough)
+{
+    void* const library = dlopen(Plugin().c_str(), RTLD_LAZY | RTLD_LOCAL);
+    ASSERT_NE(library, nullptr) << dlerror();
+    const auto entry = reinterpret_cast<TarvoInterfaceFunction>(dlsym(library, "TarvoInterface"));
+    ASSERT_NE(entry, nullptr);
+    for (const int operation : {1, 2, 3})
+    {
+        ThrowingHost host(operation);
+        TarvoOpenInterface* const open = &host;
+        try
+        {
+            (void)entry(5, nullptr, open);
+            ADD_FAILURE() << "nothing was thrown at operation " << operation;
+        }
+        catch (int thrown)
+        {
+            EXPECT_EQ(thrown, operation);
+        }
+    }
 }
 
 }  // namespace

@@ -6,6 +6,8 @@
 
 #include <gtest/gtest.h>
 
+#include <cstdio>
+#include <cstdlib>
 #include <string>
 #include <vector>
 
@@ -14,16 +16,37 @@ namespace
 
 std::vector<std::string> sEvents;
 std::vector<CFBundleRef> sBundles;
+CFBundleRef sFoundBundle = nullptr;  // what the look-up answers
+std::string sIdentifier;             // what it was asked for last
+bool sIsExiting = false;
+
+// At the process's end the list may be gone before the module's objects are.
+void Note(const char* inEvent)
+{
+    if (sIsExiting)
+        std::fprintf(stderr, "%s, ", inEvent);
+    else
+        sEvents.emplace_back(inEvent);
+}
 
 class NotingSupplier : public kelpui::inkwright::SupplierInterface
 {
 public:
-    NotingSupplier() { sEvents.emplace_back("supplier made"); }
-    ~NotingSupplier() override { sEvents.emplace_back("supplier deleted"); }
+    NotingSupplier() { Note("supplier made"); }
+    ~NotingSupplier() override { Note("supplier deleted"); }
     kelpui::inkwright::BaseFont GetBaseFont() const override { return {"Sans", 10.0}; }
 };
 
 }  // namespace
+
+// In front of the platform's, which finds the built bundle or not, as the build tree happens to be.
+CFBundleRef CFBundleGetBundleWithIdentifier(CFStringRef inIdentifier)
+{
+    char text[64] = "";
+    (void)CFStringGetCString(inIdentifier, text, sizeof text, kCFStringEncodingUTF8);
+    sIdentifier = text;
+    return sFoundBundle;
+}
 
 namespace kelpui::inkwright
 {
@@ -42,12 +65,12 @@ ResourceManager::~ResourceManager() = default;
 OS_ResourceManager::OS_ResourceManager(CFBundleRef inBundle) : mBundle(inBundle)
 {
     sBundles.push_back(mBundle);
-    sEvents.emplace_back("manager made");
+    Note("manager made");
 }
 
 OS_ResourceManager::~OS_ResourceManager()
 {
-    sEvents.emplace_back("manager deleted");
+    Note("manager deleted");
 }
 
 bool OS_ResourceManager::HasResource(const UTF8String&, const UTF8String&) const
@@ -76,6 +99,7 @@ struct ModuleLifeCycleTest : testing::Test
     {
         sEvents.clear();
         sBundles.clear();
+        sFoundBundle = nullptr;
     }
 };
 
@@ -84,6 +108,15 @@ TEST_F(ModuleLifeCycleTest, StartMakesAResourceManagerAndNoSupplier)
     Initialize();
     EXPECT_EQ(sEvents, (Events{"manager made"}));
     EXPECT_NE(GetResourceManager(), nullptr);
+}
+
+TEST_F(ModuleLifeCycleTest, TheManagerGetsTheBundleOfThePlugInsIdentifier)
+{
+    char bundle = 0;
+    sFoundBundle = reinterpret_cast<CFBundleRef>(&bundle);  // never looked into
+    Initialize();
+    EXPECT_EQ(sIdentifier, "com.verlo.TarvoAT.bundle");
+    EXPECT_EQ(sBundles, (std::vector<CFBundleRef>{sFoundBundle}));
 }
 
 TEST_F(ModuleLifeCycleTest, AFailedLookUpOfTheBundleIsPassedOnAsNull)
@@ -125,6 +158,18 @@ TEST_F(ModuleLifeCycleTest, TheEndDeletesTheSupplierFirst)
     Terminate();
     EXPECT_EQ(sEvents, (Events{"supplier deleted", "manager deleted"}));
     EXPECT_EQ(GetResourceManager(), nullptr);
+}
+
+TEST_F(ModuleLifeCycleTest, TheEndOfTheProcessDeletesTheManagerFirst)
+{
+    EXPECT_EXIT(
+        {
+            Initialize();
+            (void)GetDrawSupplier();
+            sIsExiting = true;
+            std::exit(0);
+        },
+        testing::ExitedWithCode(0), "^manager deleted, supplier deleted, $");
 }
 
 TEST_F(ModuleLifeCycleTest, TheEndOfNothingDoesNothing)
