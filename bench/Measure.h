@@ -5,6 +5,8 @@
 #include <chrono>
 #include <cstdint>
 #include <cstdio>
+#include <fstream>
+#include <string>
 #include <sys/resource.h>
 
 namespace bench
@@ -27,16 +29,27 @@ public:
     {
         const double seconds =
             std::chrono::duration<double>(std::chrono::steady_clock::now() - mStart).count();
-        rusage usage = {};
-        getrusage(RUSAGE_SELF, &usage);
         std::printf(
             "{\"frames\":%lld,\"channels\":%d,\"rate\":%d,\"seconds\":%.6f,\"cpu\":%.6f,"
             "\"bytes\":%lld,\"rss_kb\":%ld}\n",
             static_cast<long long>(inRun.mFrames), inRun.mChannels, inRun.mRate, seconds,
-            CPUSeconds() - mCPU, static_cast<long long>(inRun.mBytes), usage.ru_maxrss);
+            CPUSeconds() - mCPU, static_cast<long long>(inRun.mBytes), PeakKilobytes());
     }
 
 private:
+    // getrusage tells the peak of the program that started this one when it was the larger.
+    static long PeakKilobytes()
+    {
+        std::ifstream status("/proc/self/status");
+        for (std::string word; status >> word;)
+        {
+            long kilobytes = 0;
+            if (word == "VmHWM:" && status >> kilobytes)
+                return kilobytes;
+        }
+        return 0;
+    }
+
     static double CPUSeconds()
     {
         rusage usage = {};
