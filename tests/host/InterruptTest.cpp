@@ -65,18 +65,19 @@ int ExitCodeOf(Work inWork)
     return WIFEXITED(status) ? WEXITSTATUS(status) : -1;
 }
 
-// Signals this process until it goes, so that one arrives while it waits.
+constexpr int kStillWaiting = 99;
+
+// One signal while this process waits; it gives up when that does not end the wait.
 void InterruptMainThread(int inSignal)
 {
     const pthread_t target = pthread_self();
     std::thread(
         [target, inSignal]
         {
-        for (;;)
-        {
-            std::this_thread::sleep_for(std::chrono::milliseconds(50));
-            pthread_kill(target, inSignal);
-        }
+        std::this_thread::sleep_for(std::chrono::milliseconds(100));
+        pthread_kill(target, inSignal);
+        std::this_thread::sleep_for(std::chrono::seconds(10));
+        _exit(kStillWaiting);
     }).detach();
 }
 
