@@ -1,5 +1,7 @@
 #include "host/FormatObject.h"
 
+#include "host/Extensions.h"
+
 namespace host
 {
 
@@ -23,10 +25,7 @@ void FormatObject::SetChannelLabel(std::int64_t inChannel, tarvo::AudioChannelLa
 
 void FormatObject::SetFileExtensions(TarvoExtensionList* inExtensions)
 {
-    mExtensions.clear();
-    for (const TarvoExtensionLink* link = inExtensions->mNext; link != inExtensions;
-         link = link->mNext)
-        mExtensions.emplace_back(static_cast<const TarvoExtensionNode*>(link)->mText);
+    mExtensions = CopyExtensions(*inExtensions);
 }
 
 }  // namespace host
