@@ -2,6 +2,7 @@
 
 #include "Tarvo_PlugIns/Common/Module/private/Module.h"
 #include "Tarvo_PlugIns/TarvoAT/private/TarvoResultFromErrorSite.h"
+#include "appleaudiotoolbox/diagnostics/AudioToolboxTests.h"
 
 #include <kelpcore/config/Localizer.h>
 
@@ -16,7 +17,8 @@ std::int32_t TarvoATInterface::GetTarvoInfo(TarvoGetTarvoInfoInterface&)
 
 std::int32_t TarvoATInterface::Initialize()
 {
-    return kTarvoResultNotImplemented;
+    appleaudiotoolbox::AudioToolboxTests::Initialize();
+    return kTarvoResultSuccess;
 }
 
 std::int32_t TarvoATInterface::GetDefaultExportSettings(TarvoFormatInterface&)

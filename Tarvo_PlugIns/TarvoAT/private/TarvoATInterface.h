@@ -24,6 +24,7 @@ public:
     using ATWriter = appleaudiotoolbox::ATWriter;
 
     std::int32_t GetTarvoInfo(TarvoGetTarvoInfoInterface& inInfo) override;
+    /// Registers the diagnostics with the host's test framework, once however often it is called.
     std::int32_t Initialize() override;
 
     /// Success: the host has description, bit rate and handle, in this order, and an open status

@@ -140,7 +140,8 @@ TEST(Bundle, FindsItsLibrariesByItself)
               std::string::npos)
         << dynamic;
     for (const char* library :
-         {"libAudioToolbox.so", "libCoreFoundation.so", "libkelpcore.so", "libkelpui.so"})
+         {"libAudioToolbox.so", "libCoreFoundation.so", "libkelpcore.so", "libkelpui.so",
+          "libkelpunittesting.so"})
         EXPECT_NE(dynamic.find(std::string("Shared library: [") + library + "]"), std::string::npos)
             << library;
 }
