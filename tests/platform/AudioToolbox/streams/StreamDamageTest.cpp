@@ -202,6 +202,36 @@ TEST(StreamDamage, LostBytesCostTheFramesThatTheyTouch)
     }
 }
 
+TEST(StreamDamage, OverwrittenFramesOfAConstantRateKeepTheirPlaces)
+{
+    for (const Row& row :
+         {Row{kMPEG, "streams/untagged-44100-stereo.mp3"}, Row{kMPEG, "streams/48000-stereo.mp2"},
+          Row{kAC3, "streams/48000-51.ac3"}, Row{kEAC3, "streams/48000-stereo.eac3"}})
+    {
+        const Bytes whole = LoadData(row.mName);
+        Opened intact = Open(row.mKind, whole);
+        const std::vector<Packet> packets = ReadAll(*intact.mReader);
+        SInt64 third = intact.Facts().mDataOffset;
+        for (std::size_t i = 0; i < 3; ++i)
+            third += static_cast<SInt64>(packets[i].mBytes.size());
+        for (const std::size_t lost : {1u, 2u, 3u})
+        {
+            Bytes bytes = whole;
+            auto place = bytes.begin() + static_cast<long>(third);
+            for (std::size_t i = 3; i < 3 + lost; ++i)
+                place = std::fill_n(place, packets[i].mBytes.size(), UInt8{0x55});
+            Opened damaged = Open(row.mKind, bytes);
+            ASSERT_EQ(damaged.mStatus, noErr) << row.mName;
+            const std::vector<Packet> left = ReadAll(*damaged.mReader);
+            ASSERT_EQ(left.size(), packets.size()) << row.mName << ", lost: " << lost;
+            const auto behind = static_cast<std::ptrdiff_t>(3 + lost);
+            EXPECT_TRUE(std::equal(left.begin() + behind, left.end(), packets.begin() + behind))
+                << row.mName << ", lost: " << lost;
+            ExpectOrderly(damaged, bytes.size());
+        }
+    }
+}
+
 TEST(StreamDamage, FilesOfOneByteValueAreRefusedQuickly)
 {
     for (const StreamKind& kind : {kMPEG, kADTS, kAC3, kAMR, kFLAC})

@@ -4,7 +4,7 @@
 // programme with the dependent frames behind it; further programmes are passed over. In a stream of
 // AC-3, E-AC-3 frames that extend it are passed over too.
 #include "file/streams/AC3Channels.h"
-#include "file/streams/FrameSearch.h"
+#include "file/streams/LossFinder.h"
 #include "file/streams/StreamOpening.h"
 #include "file/streams/Survey.h"
 
@@ -24,7 +24,7 @@ class AC3Framer final : public Framer
 public:
     /// inDependents  how many dependent frames belong to a packet at the most
     AC3Framer(const AC3Header& inFirst, UInt32 inDependents)
-        : mFirst(inFirst), mDependents(inDependents)
+        : mFirst(inFirst), mDependents(inDependents), mLosses(inFirst)
     {
     }
 
@@ -32,6 +32,9 @@ public:
     {
         SInt64 position = inPosition;
         AC3Header header;
+        if (!HasFrameAt(ioWindow, position, header) && mDependents == 0 &&
+            mLosses.FindDamaged(ioWindow, position, outPacket))
+            return true;
         while (FindFrame(ioWindow, position, header))
         {
             if (!header.LeadsPacket() || header.mIsEnhanced != mFirst.mIsEnhanced)
@@ -46,10 +49,15 @@ public:
     }
 
 private:
+    bool HasFrameAt(StreamWindow& ioWindow, SInt64 inPosition, AC3Header& outHeader) const
+    {
+        return ReadFrame<AC3Syntax>(ioWindow, inPosition, outHeader) &&
+               AC3Syntax::AreAlike(mFirst, outHeader);
+    }
+
     bool FindFrame(StreamWindow& ioWindow, SInt64& ioPosition, AC3Header& outHeader) const
     {
-        return (ReadFrame<AC3Syntax>(ioWindow, ioPosition, outHeader) &&
-                AC3Syntax::AreAlike(mFirst, outHeader)) ||
+        return HasFrameAt(ioWindow, ioPosition, outHeader) ||
                Resynchronise<AC3Syntax>(ioWindow, mFirst, ioPosition, outHeader);
     }
 
@@ -74,6 +82,7 @@ private:
 
     AC3Header mFirst;
     UInt32 mDependents;
+    LossFinder<AC3Syntax> mLosses;
 };
 
 // The first packet's dependent frames: how many, and the channels that they add.

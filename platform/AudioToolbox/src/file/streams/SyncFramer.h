@@ -2,7 +2,7 @@
 #ifndef AUDIOTOOLBOX_FILE_STREAMS_SYNCFRAMER_H
 #define AUDIOTOOLBOX_FILE_STREAMS_SYNCFRAMER_H
 
-#include "file/streams/FrameSearch.h"
+#include "file/streams/LossFinder.h"
 
 namespace audiotoolbox::streams
 {
@@ -15,7 +15,7 @@ class SyncFramer final : public Framer
 public:
     using Header = typename Syntax::Header;
 
-    explicit SyncFramer(const Header& inFirst) : mFirst(inFirst) {}
+    explicit SyncFramer(const Header& inFirst) : mFirst(inFirst), mLosses(inFirst) {}
 
     bool FindPacket(StreamWindow& ioWindow, SInt64 inPosition, StreamPacket& outPacket) override
     {
@@ -23,6 +23,8 @@ public:
         SInt64 position = inPosition;
         const bool follows =
             ReadFrame<Syntax>(ioWindow, position, header) && Syntax::Follows(mFirst, header);
+        if (!follows && mLosses.FindDamaged(ioWindow, inPosition, outPacket))
+            return true;
         if (!follows && !Resynchronise<Syntax>(ioWindow, mFirst, position, header))
             return false;
         outPacket = PacketOf(position, header);
@@ -31,6 +33,7 @@ public:
 
 private:
     Header mFirst;
+    LossFinder<Syntax> mLosses;
 };
 
 }  // namespace audiotoolbox::streams
