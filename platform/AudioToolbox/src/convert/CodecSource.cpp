@@ -5,6 +5,8 @@
 
 #include <algorithm>
 #include <cmath>
+#include <cstdlib>
+#include <utility>
 
 namespace audiotoolbox
 {
@@ -134,9 +136,11 @@ OSStatus CodecSource::SendNext(std::size_t inWanted)
 
 OSStatus CodecSource::SendPacket(const InputPacket& inPacket)
 {
+    mSilence += std::exchange(mMissing, 0);
     mIsPacketOpen = true;
-    mPacketExpected = ExpectedFrames(inPacket);
+    mPacketStated = StatedFrames(inPacket);
     mPacketFrames = 0;
+    mIsPacketCut = false;
     mBadAnswers = 0;
     std::span<const UInt8> raw;
     mIsPacketBad = !FindRawPacket(inPacket, raw) || raw.empty();
@@ -190,9 +194,29 @@ void CodecSource::TakeFrame()
     }
     mFrameOffset = 0;
     mFrameLeft = mFrame.mFrameCount;
-    mPacketFrames += mFrame.mFrameCount;
+    CutFrame();
+    mPacketFrames += static_cast<UInt32>(mFrameLeft);
     mUsualFrames = mFrame.mFrameCount;
     mHasGood = true;
+}
+
+// A damaged packet may decode to more than it stands for.
+void CodecSource::CutFrame()
+{
+    const UInt32 stated = mFormat.mFramesPerPacket;
+    const UInt32 frames = mPacketFrames + mFrame.mFrameCount;
+    mIsPacketCut = frames > stated && LengthIsWrong(frames);
+    if (mIsPacketCut)
+        mFrameLeft = stated - std::min(stated, mPacketFrames);
+}
+
+void CodecSource::SettleLength(UInt32 inMissing)
+{
+    const bool isShort = LengthIsWrong(mPacketFrames);
+    if (isShort)
+        mMissing = inMissing;  // only the last packet is short by right
+    if (mHoldsBack && (isShort || mIsPacketCut))
+        mModule->mFlush(mSession.get());  // what it holds back belongs to no frame any more
 }
 
 OSStatus CodecSource::SettlePacket()
@@ -200,11 +224,15 @@ OSStatus CodecSource::SettlePacket()
     if (!mIsPacketOpen)
         return noErr;
     mIsPacketOpen = false;
+    const UInt32 expected = mPacketStated != 0 ? mPacketStated : mUsualFrames;
+    const UInt32 missing = expected - std::min(expected, mPacketFrames);
     const bool isBad = mIsPacketBad || (mPacketFrames == 0 && !mHoldsBack);
     if (!isBad)
+    {
+        SettleLength(missing);
         return noErr;
-    if (mPacketExpected > mPacketFrames)
-        mSilence += mPacketExpected - mPacketFrames;
+    }
+    mSilence += missing;
     ++mBadPackets;
     return !mHasGood && mBadPackets >= kBadPacketsUntilHopeless ? kAudioCodecBadDataError
                                                                 : OSStatus{noErr};
@@ -216,13 +244,18 @@ OSStatus CodecSource::End()
     return !mHasGood && mBadPackets > 0 ? kAudioCodecBadDataError : OSStatus{noErr};
 }
 
-UInt32 CodecSource::ExpectedFrames(const InputPacket& inPacket) const
+// Decoders that hold frames back give a few less at first, and more later.
+bool CodecSource::LengthIsWrong(UInt32 inFrames) const
 {
-    UInt32 frames = inPacket.mFrameCount;
-    if (frames == 0)
-        frames = mFormat.mFramesPerPacket;
-    if (frames == 0)
-        frames = mUsualFrames;
+    const SInt64 stated = mFormat.mFramesPerPacket;
+    const SInt64 tolerance = mHoldsBack ? stated / 4 : 0;
+    return stated != 0 && std::abs(inFrames - stated) > tolerance;
+}
+
+UInt32 CodecSource::StatedFrames(const InputPacket& inPacket) const
+{
+    const UInt32 frames =
+        inPacket.mFrameCount != 0 ? inPacket.mFrameCount : mFormat.mFramesPerPacket;
     return std::min(frames, kMostFramesPerPacket);
 }
 
@@ -261,7 +294,7 @@ void CodecSource::Reset()
     if (mSession)
         mModule->mFlush(mSession.get());
     mFrameLeft = 0;
-    mSilence = 0;
+    mSilence = mMissing = 0;
     mIsPacketOpen = mIsPacketBad = false;
     mBadPackets = mBadAnswers = 0;
     mHasGood = mIsDraining = mHasEnded = false;

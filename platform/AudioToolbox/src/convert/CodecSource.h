@@ -46,9 +46,12 @@ private:
     OSStatus SendPacket(const InputPacket& inPacket);
     bool FindRawPacket(const InputPacket& inPacket, std::span<const UInt8>& outRaw);
     void TakeFrame();
+    void CutFrame();
+    void SettleLength(UInt32 inMissing);
     OSStatus SettlePacket();
     OSStatus End();
-    UInt32 ExpectedFrames(const InputPacket& inPacket) const;
+    bool LengthIsWrong(UInt32 inFrames) const;
+    UInt32 StatedFrames(const InputPacket& inPacket) const;
     UInt32 PacketsFor(std::size_t inFrames) const;
     void ShowFrame(SampleBlock& outBlock) const;
     void ShowSilence(SampleBlock& outBlock) const;
@@ -66,10 +69,12 @@ private:
     std::size_t mFrameOffset = 0;  // frames of mFrame that are taken
     std::size_t mFrameLeft = 0;
     UInt64 mSilence = 0;  // frames that stand before the next decoded one
+    UInt64 mMissing = 0;  // frames that become silence if another packet follows
 
     bool mIsPacketOpen = false;  // sent, and not all of its frames received
     bool mIsPacketBad = false;
-    UInt32 mPacketExpected = 0;  // frames
+    bool mIsPacketCut = false;
+    UInt32 mPacketStated = 0;  // frames, by the packet's description or the format; 0: unknown
     UInt32 mPacketFrames = 0;
     UInt32 mUsualFrames = 0;  // of the last good packet
     UInt32 mBadPackets = 0;

@@ -233,6 +233,29 @@ TEST(DamagedPackets, LeaveSilenceOfTheirLengthAndShiftNothing)
     }
 }
 
+// An Opus packet tells its own length, so that a damaged one may decode to another.
+TEST(DamagedPackets, OfAnotherLengthShiftNothing)
+{
+    const Encoded encoded = Encode({"libopus", 48000, 2, AV_SAMPLE_FMT_FLT});
+    const AudioStreamBasicDescription source = Compressed(kAudioFormatOpus, 48000, 2, 960);
+    const ConverterPtr intact = New(source, Floats(48000, 2));
+    Input intactInput(encoded.mPackets);
+    const std::vector<float> expected = As<float>(FillAll(intact.get(), intactInput, 8, 4096));
+    for (const UInt8 head : {0xE4, 0x1C})  // 120 frames, 2880 frames
+    {
+        std::vector<Bytes> packets = encoded.mPackets;
+        packets[9] = {head, 0x12, 0x34, 0x56, 0x78, 0x9A, 0xBC, 0xDE};
+        const ConverterPtr converter = New(source, Floats(48000, 2));
+        Input input(packets);
+        const std::vector<float> samples = As<float>(FillAll(converter.get(), input, 8, 4096));
+        ASSERT_EQ(samples.size(), expected.size()) << int{head};
+        double sum = 0;  // from a few packets behind the damage on
+        for (std::size_t i = 20 * 1920; i < samples.size(); ++i)
+            sum += std::abs(samples[i] - expected[i]);
+        EXPECT_LT(sum / static_cast<double>(samples.size() - 20 * 1920), 0.001) << int{head};
+    }
+}
+
 TEST(DamagedPackets, AtTheStartLeaveSilenceToo)
 {
     const Encoded encoded = Encode({"flac", 44100, 2, AV_SAMPLE_FMT_S16});
