@@ -144,18 +144,36 @@ public:
         *outMajor = mMajor;
         *outMinor = mMinor;
     }
-    void SetPluginIdentity(const char*, const uint16*) override { Note("SetPluginIdentity"); }
-    void AddImportFilter(const uint16*, const uint16*, TarvoExtensionList*, void*) override
+    void SetPluginIdentity(const char* inGUID, const uint16* inName) override
     {
-        Note("AddImportFilter");
+        Note("SetPluginIdentity " + std::string(inGUID) + " " + Quoted(inName));
     }
-    void AddExportFilter(const uint16*, const uint16*, TarvoExtensionList*, void*) override
+    void AddImportFilter(const uint16* inName, const uint16* inFilterId,
+                         TarvoExtensionList* inExtensions, void* inReserved) override
     {
-        Note("AddExportFilter");
+        NoteFilter("AddImportFilter ", inName, inFilterId, inExtensions, inReserved);
+    }
+    void AddExportFilter(const uint16* inName, const uint16* inFilterId,
+                         TarvoExtensionList* inExtensions, void* inReserved) override
+    {
+        NoteFilter("AddExportFilter ", inName, inFilterId, inExtensions, inReserved);
     }
 
     std::int32_t mMajor = 1;
     std::int32_t mMinor = 0;
+
+private:
+    // AddImportFilter "Name" id null extensions wav wave reserved null
+    void NoteFilter(const std::string& inOperation, const uint16* inName, const uint16* inFilterId,
+                    const TarvoExtensionList* inExtensions, const void* inReserved) const
+    {
+        std::string line = inOperation + Quoted(inName) + " id " +
+                           (inFilterId ? Quoted(inFilterId) : "null") + " extensions";
+        for (const TarvoExtensionLink* link = inExtensions->mNext; link != inExtensions;
+             link = link->mNext)
+            line += std::string(" ") + static_cast<const TarvoExtensionNode*>(link)->mText;
+        Note(line + " reserved " + (inReserved ? "given" : "null"));
+    }
 };
 
 class RecordingPreOpen : public TarvoPreOpenInterface, Recorder

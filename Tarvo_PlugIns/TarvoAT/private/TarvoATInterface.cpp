@@ -1,6 +1,5 @@
 #include "Tarvo_PlugIns/TarvoAT/private/TarvoATInterface.h"
 
-#include "Tarvo_PlugIns/Common/Module/private/Module.h"
 #include "Tarvo_PlugIns/TarvoAT/private/TarvoResultFromErrorSite.h"
 #include "appleaudiotoolbox/diagnostics/AudioToolboxTests.h"
 
@@ -8,12 +7,6 @@
 
 namespace tarvo
 {
-
-std::int32_t TarvoATInterface::GetTarvoInfo(TarvoGetTarvoInfoInterface&)
-{
-    module::Initialize();
-    return kTarvoResultNotImplemented;
-}
 
 std::int32_t TarvoATInterface::Initialize()
 {

@@ -23,6 +23,8 @@ public:
     using ATReader = appleaudiotoolbox::ATReader;
     using ATWriter = appleaudiotoolbox::ATWriter;
 
+    /// Starts the module and tells identity and filters. The first call builds the catalogue of
+    /// what the platform reads and writes, which takes longest of all calls. Always succeeds.
     std::int32_t GetTarvoInfo(TarvoGetTarvoInfoInterface& inInfo) override;
     /// Registers the diagnostics with the host's test framework, once however often it is called.
     std::int32_t Initialize() override;

@@ -1,7 +1,6 @@
 // The selectors of this plug-in that need no session.
 #include "Tarvo_PlugIns/TarvoAT/private/TarvoATInterface.h"
 
-#include "Tarvo_PlugIns/Common/Module/private/Module.h"
 #include "tests/TarvoSDK/RecordingHost.h"
 #include "tests/Tarvo_PlugIns/TarvoAT/FakeReader.h"
 
@@ -15,22 +14,9 @@ using tarvo::TarvoATInterface;
 
 struct SelectorsTest : testing::Test
 {
-    ~SelectorsTest() override { tarvo::module::Terminate(); }
-
     CallLog mLog;
     TarvoATInterface mPlugin;
 };
-
-TEST_F(SelectorsTest, GetTarvoInfoExchangesVersionsAndStartsTheModule)
-{
-    RecordingInfo info(mLog);
-    ASSERT_EQ(tarvo::module::GetResourceManager(), nullptr);
-    (void)mPlugin.EntryPoint(0, nullptr, &info);
-    EXPECT_NE(tarvo::module::GetResourceManager(), nullptr);
-    ASSERT_GE(mLog.size(), 2u);
-    EXPECT_EQ(mLog[0], "SetPluginInterfaceVersion 1 2");
-    EXPECT_EQ(mLog[1], "GetHostInterfaceVersion");
-}
 
 TEST_F(SelectorsTest, TerminateAndPreOpenSucceed)
 {
