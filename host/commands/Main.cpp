@@ -64,6 +64,7 @@ int main(int argc, char** argv)
     host::Work work;
     host::AddInfoCommand(program, common, work);
     host::AddDecodeCommand(program, common, work);
+    host::AddDiagnoseCommand(program, common, work);
     host::AddBenchReadCommand(program, common, work);
     AddCommonOptions(program, common);
 
