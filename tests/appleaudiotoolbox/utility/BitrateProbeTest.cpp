@@ -1,7 +1,5 @@
-// Bit rates from a scripted encoder: passes, prunings, defaults.
-#include "appleaudiotoolbox/utility/BitrateProbe.h"
-
-#include "tests/support/CatalogueScript.h"
+// The passes of the bit rate probe: what is asked, what fails, what is traced.
+#include "tests/appleaudiotoolbox/utility/BitrateProbeFixture.h"
 #include "tests/support/TraceLines.h"
 
 using namespace appleaudiotoolbox;
@@ -11,44 +9,8 @@ namespace
 {
 
 using Calls = std::vector<std::string>;
-using Rates = std::vector<AudioValueRange>;
 
-constexpr UInt32 kRateProperty = kAudioConverterEncodeBitRate;
 constexpr UInt32 kRatesProperty = kAudioConverterApplicableEncodeBitRates;
-
-Rates Single(std::initializer_list<double> inRates)
-{
-    Rates rates;
-    for (const double rate : inRates)
-        rates.push_back({rate, rate});
-    return rates;
-}
-
-class BitrateProbe : public CatalogueTest
-{
-protected:
-    BitrateProbe() { mType.mFormatDescription = CAStreamBasicDescription(Variant(kAAC)); }
-
-    ScriptedMode& Mode(UInt32 inMode) { return mScript.mEncoders[kAAC].mModes[inMode]; }
-    void ProbePlainly() { QueryFormatBitrateInformation(mType, nullptr); }
-    void ProbeFor(const CAStreamBasicDescription& inSource)
-    {
-        QueryFormatBitrateInformation(mType, &inSource);
-    }
-    void ExpectNoRates() const
-    {
-        EXPECT_EQ(mType.mBitratesCBR, Rates());
-        EXPECT_EQ(mType.mBitratesLTA, Rates());
-        EXPECT_EQ(mType.mBitratesVBRConstrained, Rates());
-        EXPECT_FALSE(mType.mSupportsVBR);
-        EXPECT_EQ(mType.mDefaultCBR, 0u);
-        EXPECT_EQ(mType.mDefaultLTA, 0u);
-        EXPECT_EQ(mType.mDefaultVBRConstrained, 0u);
-    }
-
-    const CAStreamBasicDescription mSource{48000.0, kPCM, 8, 1, 8, 2, 32, 9};
-    ATFormatType mType;
-};
 
 TEST_F(BitrateProbe, MakesOneConverterAndAsksModes0And1And3And2)
 {
@@ -263,106 +225,6 @@ TEST_F(BitrateProbe, AnAnswerShorterThanToldIsShorter)
                      PropertyAnswer::List(Single({10.0, 20.0})).Size(64));
     ProbePlainly();
     EXPECT_EQ(mType.mBitratesCBR, Single({10.0, 20.0}));
-}
-
-struct NegativeDefault
-{
-    Rates mRates;
-    UInt32 mEncoders;
-    UInt32 mReplaced;
-};
-
-TEST_F(BitrateProbe, TheMiddleOfTheListStandsInForANegativeDefault)
-{
-    const NegativeDefault rows[] = {
-        {Single({64000.9}), 0xFFFFFFFF, 64000},
-        {Single({10.0, 20.0}), 0x80000000, 20},
-        {Single({10.0, 20.0, 30.0}), 0xFFFFFFFF, 20},
-        {Single({10.0, 20.0, 30.0, 40.0}), 0xFFFFFFFF, 30},
-        {{{0.0, 1.0}, {10.0, 10.0}, {30.0, 90.0}, {50.0, 50.0}}, 0xFFFFFFFF, 30},  // once pruned
-        {{}, 0xFFFFFFFF, 0xFFFFFFFF},
-        {Single({10.0}), 0x7FFFFFFF, 0x7FFFFFFF},
-        {Single({10.0}), 0, 0},
-    };
-    for (const NegativeDefault& row : rows)
-    {
-        for (const UInt32 mode : {0u, 1u, 2u})
-            Mode(mode) = {row.mRates, row.mEncoders};
-        ProbePlainly();
-        EXPECT_EQ(mType.mDefaultCBR, row.mReplaced) << row.mRates.size() << " ranges";
-        EXPECT_EQ(mType.mDefaultVBRConstrained, row.mReplaced) << row.mRates.size() << " ranges";
-        EXPECT_EQ(mType.mDefaultLTA, row.mEncoders) << row.mRates.size() << " ranges";
-    }
-}
-
-TEST_F(BitrateProbe, ARateBeyondAllIntegersStandsInAs0)
-{
-    Mode(0) = {Single({1e300}), 0xFFFFFFFF};
-    ProbePlainly();
-    EXPECT_EQ(mType.mDefaultCBR, 0u);
-}
-
-TEST_F(BitrateProbe, ADefaultThatCannotBeReadStays0)
-{
-    for (const UInt32 mode : {0u, 1u, 2u})
-        Mode(mode) = {Single({10.0}), 10};
-    mPlatform.Answer(Family::Converter, kRateProperty,
-                     PropertyAnswer::Value<UInt32>(10).GetFails(-50));
-    ProbePlainly();
-    EXPECT_EQ(mType.mBitratesCBR, Single({10.0}));
-    EXPECT_EQ(mType.mDefaultCBR, 0u);
-    EXPECT_EQ(mType.mDefaultLTA, 0u);
-    EXPECT_EQ(mType.mDefaultVBRConstrained, 0u);
-}
-
-TEST_F(BitrateProbe, ASourceOfTheCallersIsTheConvertersInput)
-{
-    ProbeFor(mSource);
-    ASSERT_FALSE(mPlatform.Calls().empty());
-    EXPECT_EQ(mPlatform.Calls()[0],
-              "AudioConverterNew 48000 'lpcm' 9 8/1/8/2/32 to 0 'aac ' 0 0/0/0/0/0");
-}
-
-TEST_F(BitrateProbe, TryingGoesFromTheLastRateToTheFirstInWholeBits)
-{
-    Mode(0) = {{{16.9, 16.9}, {0.0, 99.0}, {32.0, 64.0}, {256.0, 256.0}}, 1};
-    ProbeFor(mSource);
-    EXPECT_EQ(mPlatform.CallsOf("AudioConverterSetProperty 'brat'"),
-              (Calls{"AudioConverterSetProperty 'brat' size 4: 00 01 00 00",
-                     "AudioConverterSetProperty 'brat' size 4: 20 00 00 00",
-                     "AudioConverterSetProperty 'brat' size 4: 10 00 00 00"}));
-    EXPECT_EQ(mType.mBitratesCBR, (Rates{{16.9, 16.9}, {32.0, 64.0}, {256.0, 256.0}}));
-}
-
-TEST_F(BitrateProbe, TryingDropsWhatTheEncoderRefusesInAllModesWithRates)
-{
-    for (const UInt32 mode : {0u, 1u, 2u})
-        Mode(mode) = {Single({10.0, 20.0, 30.0, 40.0}), 40};
-    mScript.mEncoders[kAAC].mRefusedRates = {10, 30};
-    ProbeFor(mSource);
-    EXPECT_EQ(mType.mBitratesCBR, Single({20.0, 40.0}));
-    EXPECT_EQ(mType.mBitratesLTA, Single({20.0, 40.0}));
-    EXPECT_EQ(mType.mBitratesVBRConstrained, Single({20.0, 40.0}));
-}
-
-TEST_F(BitrateProbe, AfterTryingTheDefaultIsTheFirstRateThatIsLeft)
-{
-    for (const UInt32 mode : {0u, 1u, 2u})
-        Mode(mode) = {Single({10.0, 20.0, 30.0}), 30};
-    mScript.mEncoders[kAAC].mRefusedRates = {10};
-    ProbeFor(mSource);
-    EXPECT_EQ(mType.mDefaultCBR, 20u);
-    EXPECT_EQ(mType.mDefaultLTA, 20u);
-    EXPECT_EQ(mType.mDefaultVBRConstrained, 20u);
-}
-
-TEST_F(BitrateProbe, VariableModeTriesNothing)
-{
-    Mode(3) = {Single({10.0, 20.0}), 10};
-    mScript.mEncoders[kAAC].mRefusedRates = {10, 20};
-    ProbeFor(mSource);
-    EXPECT_TRUE(mType.mSupportsVBR);
-    EXPECT_EQ(mPlatform.CallsOf("AudioConverterSetProperty 'brat'"), Calls());
 }
 
 TEST_F(BitrateProbe, TracesTheModesThatAnsweredBeforeTheyArePruned)

@@ -1,9 +1,10 @@
-// Both catalogues on a scripted platform: their build, their life and their extensions.
+// Both catalogues on a scripted platform: their build and their life.
 #include "appleaudiotoolbox/utility/FileTypeCatalogue.h"
 
-#include "kelpcore/utility/StringConversion.h"
 #include "tests/support/CatalogueScript.h"
 #include "tests/support/TraceLines.h"
+
+#include <new>
 
 using namespace appleaudiotoolbox;
 using namespace testing_support;
@@ -47,12 +48,6 @@ protected:
         QueryOutputFileTypes(types);
         return types;
     }
-    Texts Extensions(UInt32 inFileType)
-    {
-        ATExtensionSet extensions = {"old"};
-        QueryFileTypeExtensions(inFileType, extensions);
-        return Plain(extensions);
-    }
     Texts ImportExtensions()
     {
         ATExtensionSet extensions = {"old"};
@@ -76,7 +71,6 @@ protected:
 
 using InputCatalogue = Catalogue;
 using OutputCatalogue = Catalogue;
-using FileTypeExtensions = Catalogue;
 
 TEST_F(InputCatalogue, HasNameExtensionsAndFormatsOfEveryReadableType)
 {
@@ -229,6 +223,22 @@ TEST_F(InputCatalogue, ReleasesEachNameOnce)
     CFRelease(name);
 }
 
+TEST_F(InputCatalogue, ThatAnExceptionCutShortCountsAsComplete)
+{
+    HoldTwoTypes();
+    mPlatform.AnswerWith(Family::Global, kExtensionsProperty,
+                         [](const Question& question)
+                         {
+        if (question.mTurn == 1)
+            throw std::bad_alloc();
+        return PropertyAnswer::Names({"wav"});
+    });
+    EXPECT_THROW(Input(), std::bad_alloc);
+    mPlatform.ForgetCalls();
+    EXPECT_EQ(Keys(Input()), Codes{kWAVE});
+    EXPECT_EQ(mPlatform.Calls(), Calls());
+}
+
 TEST_F(InputCatalogue, IsTracedTypeByTypeWithFormats)
 {
     const TraceLines trace(6);
@@ -348,64 +358,6 @@ TEST_F(OutputCatalogue, IsTracedWithCodesAlsoForDroppedTypes)
     EXPECT_EQ(trace.Lines(), (Texts{TraceLines::Line("<6> Output:\t'WAVE' WAVE\n\n"),
                                     TraceLines::Line("<6> \t   'lpcm' Linear PCM\n\n"),
                                     TraceLines::Line("<6> Output:\t'm4af' Apple MPEG-4\n\n")}));
-}
-
-TEST_F(FileTypeExtensions, OfTheAIFFTypesAreTheirOwnAndNobodyIsAsked)
-{
-    mPlatform.AnswerWith(Family::Global, kExtensionsProperty,
-                         [](const Question&) {
-        return PropertyAnswer::Names({"aiff", "aifc", "aif"});
-    });
-    EXPECT_EQ(Extensions(kAIFF), (Texts{"aif", "aiff"}));
-    EXPECT_EQ(Extensions(kAIFC), (Texts{"aifc"}));
-    EXPECT_EQ(mPlatform.Calls(), Calls());
-}
-
-TEST_F(FileTypeExtensions, AreAskedForWithoutASizeQueryEachTime)
-{
-    mScript.mFileTypes[kWAVE] = {"WAVE", {"wav", "bwf", "wav"}};
-    EXPECT_EQ(Extensions(kWAVE), (Texts{"bwf", "wav"}));
-    EXPECT_EQ(Extensions(kWAVE), (Texts{"bwf", "wav"}));
-    EXPECT_EQ(mPlatform.Calls(),
-              (Calls{"AudioFileGetGlobalInfo 'fext' specifier 4 'WAVE' size 8",
-                     "AudioFileGetGlobalInfo 'fext' specifier 4 'WAVE' size 8"}));
-}
-
-TEST_F(FileTypeExtensions, AreNoneAfterAFailure)
-{
-    EXPECT_EQ(Extensions(kWAVE), Texts());
-}
-
-TEST_F(FileTypeExtensions, AreUTF8)
-{
-    mScript.mFileTypes[kWAVE] = {"WAVE", {"w\xC3\xA4v"}};
-    EXPECT_EQ(Extensions(kWAVE), (Texts{"w\xC3\xA4v"}));
-}
-
-TEST_F(FileTypeExtensions, SkipNullElementsAndReleaseArrayAndElementsOnce)
-{
-    const CFStringRef first =
-        CFStringCreateWithCString(kCFAllocatorDefault, "one", kCFStringEncodingUTF8);
-    const CFStringRef last =
-        CFStringCreateWithCString(kCFAllocatorDefault, "two", kCFStringEncodingUTF8);
-    const CFMutableArrayRef array = CFArrayCreateMutable(kCFAllocatorDefault, 0, nullptr);
-    for (const CFStringRef element : {first, static_cast<CFStringRef>(nullptr), last})
-        CFArrayAppendValue(array, element);
-    PropertyAnswer answer;
-    answer.mMake = [=]
-    {
-        for (const CFTypeRef object : {CFTypeRef(first), CFTypeRef(last), CFTypeRef(array)})
-            CFRetain(object);
-        return BytesOf<CFArrayRef>({array});
-    };
-    mPlatform.Answer(Family::Global, kExtensionsProperty, answer);
-
-    EXPECT_EQ(Extensions(kWAVE), (Texts{"one", "two"}));
-    for (const CFTypeRef object : {CFTypeRef(first), CFTypeRef(last), CFTypeRef(array)})
-    {
-        EXPECT_EQ(CFGetRetainCount(object), 1);
-        CFRelease(object);
-    }
 }
 
 }  // namespace
