@@ -2,6 +2,7 @@
 
 #include "file/ID3Tag.h"
 #include "file/PacketReader.h"
+#include "file/streams/CutStream.h"
 #include "tables/FileTypes.h"
 
 #include <algorithm>
@@ -76,6 +77,8 @@ OSStatus OpenAudio(AudioFileTypeID inHint, ByteSourcePtr& ioSource, PacketReader
             return status;
         row = Sniff(head.Span(), true, inHint);
     }
+    if (row == nullptr)
+        row = FindFileType(TypeOfCutStream(*ioSource, start));
     if (row == nullptr)
         return kAudioFileUnsupportedFileTypeError;
     return row->mOpen(row->mType, ioSource, outReader);
