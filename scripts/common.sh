@@ -42,6 +42,9 @@ install_packages()
     rm -f "$log"
 }
 
+# What build_tree builds; everything when empty.
+build_targets=()
+
 # build_tree PRESET [CMAKE_OPTION...]: configures when needed and builds; speaks only on failure.
 build_tree()
 {
@@ -59,7 +62,7 @@ build_tree()
         mv "build/$preset/options.new" "build/$preset/options"
     fi
     [ -t 2 ] && printf 'Building %s ...\n' "$preset" >&2
-    if ! cmake --build "build/$preset" >"$log" 2>&1; then
+    if ! cmake --build "build/$preset" ${build_targets[@]+--target "${build_targets[@]}"} >"$log" 2>&1; then
         grep -v '^\[' "$log" >&2
         fail "Building failed."
     fi
