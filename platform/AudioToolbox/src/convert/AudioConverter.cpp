@@ -11,6 +11,20 @@ namespace
 
 constexpr OSStatus kParameterError = -50;
 
+// No exception crosses the C interface.
+template <typename Function>
+OSStatus Guarded(Function inFunction)
+{
+    try
+    {
+        return inFunction();
+    }
+    catch (const std::bad_alloc&)
+    {
+        return kAudio_MemFullError;
+    }
+}
+
 }  // namespace
 
 OSStatus AudioConverterNew(const AudioStreamBasicDescription* source,
@@ -20,18 +34,15 @@ OSStatus AudioConverterNew(const AudioStreamBasicDescription* source,
     if (source == nullptr || destination == nullptr || outConverter == nullptr)
         return kParameterError;
     *outConverter = nullptr;
-    try
-    {
+    return Guarded(
+        [&]
+        {
         audiotoolbox::ConversionPlan plan;
         const OSStatus status = audiotoolbox::PlanConversion(*source, *destination, plan);
         if (status == noErr)
             *outConverter = std::make_unique<OpaqueAudioConverter>(plan).release();
         return status;
-    }
-    catch (const std::bad_alloc&)
-    {
-        return kAudio_MemFullError;
-    }
+    });
 }
 
 OSStatus AudioConverterDispose(AudioConverterRef converter)
@@ -58,8 +69,9 @@ OSStatus AudioConverterGetPropertyInfo(AudioConverterRef converter,
         return kParameterError;
     UInt32 size = 0;
     bool isWritable = false;
-    const OSStatus status =
-        audiotoolbox::GetConverterPropertyInfo(*converter, property, size, isWritable);
+    const OSStatus status = Guarded(
+        [&]
+        { return audiotoolbox::GetConverterPropertyInfo(*converter, property, size, isWritable); });
     if (status == noErr && outSize != nullptr)
         *outSize = size;
     if (status == noErr && outWritable != nullptr)
@@ -72,7 +84,8 @@ OSStatus AudioConverterGetProperty(AudioConverterRef converter, AudioConverterPr
 {
     if (converter == nullptr || ioSize == nullptr || outData == nullptr)
         return kParameterError;
-    return audiotoolbox::GetConverterProperty(*converter, property, *ioSize, outData);
+    return Guarded(
+        [&] { return audiotoolbox::GetConverterProperty(*converter, property, *ioSize, outData); });
 }
 
 OSStatus AudioConverterSetProperty(AudioConverterRef converter, AudioConverterPropertyID property,
@@ -80,22 +93,17 @@ OSStatus AudioConverterSetProperty(AudioConverterRef converter, AudioConverterPr
 {
     if (converter == nullptr || data == nullptr)
         return kParameterError;
-    try
-    {
-        return audiotoolbox::SetConverterProperty(*converter, property, size, data);
-    }
-    catch (const std::bad_alloc&)
-    {
-        return kAudio_MemFullError;
-    }
+    return Guarded(
+        [&] { return audiotoolbox::SetConverterProperty(*converter, property, size, data); });
 }
 
 OSStatus AudioConverterFillComplexBuffer(AudioConverterRef converter,
                                          AudioConverterComplexInputDataProc inputProc,
                                          void* userData, UInt32* ioPackets,
-                                         AudioBufferList* outData, AudioStreamPacketDescription*)
+                                         AudioBufferList* outData,
+                                         AudioStreamPacketDescription* outDescriptions)
 {
     if (converter == nullptr || inputProc == nullptr || ioPackets == nullptr || outData == nullptr)
         return kParameterError;
-    return converter->Fill(converter, inputProc, userData, *ioPackets, *outData);
+    return converter->Fill(converter, inputProc, userData, *ioPackets, *outData, outDescriptions);
 }

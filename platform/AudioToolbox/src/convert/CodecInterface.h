@@ -10,7 +10,7 @@
 namespace audiotoolbox
 {
 
-constexpr UInt32 kCodecInterfaceVersion = 1;
+constexpr UInt32 kCodecInterfaceVersion = 2;
 constexpr const char* kCodecModuleName = "libAudioToolboxCodecs.so";
 constexpr const char* kCodecModuleSymbol = "AudioToolboxCodecModule";
 
@@ -51,6 +51,39 @@ struct CodecInfo
     bool mHoldsPacketsBack;  // frames may come packets later
 };
 
+struct EncoderSession;  // the module's
+
+/// What an encoder is opened for.
+struct EncoderRequest
+{
+    const char* mEncoder;
+    AudioFormatID mFormatID;
+    UInt32 mSampleRate;
+    UInt32 mChannelCount;
+    UInt32 mChannelMask;      // 0: any order
+    SampleLayout mLayout;     // native 16-bit words, 24 bits at the upper end of 32, 32-bit floats
+    UInt32 mFramesPerPacket;  // of every packet but the last
+    UInt32 mMode;             // kAudioCodecBitRateControlMode_...
+    UInt32 mBitRate;          // 0: the format has none
+    Float32 mQuality;         // the encoder's own measure; in the variable mode only
+};
+
+/// The session's own memory, valid until its next call.
+struct EncodedPacket
+{
+    const UInt8* mBytes;
+    UInt32 mByteCount;   // above 0
+    UInt32 mFrameCount;  // 0: not told
+};
+
+struct EncoderFacts
+{
+    UInt32 mFramesPerPacket;
+    UInt32 mDelay;         // frames
+    const UInt8* mCookie;  // the session's own, valid until its next call
+    UInt32 mCookieByteCount;
+};
+
 struct CodecModule
 {
     UInt32 mVersion;
@@ -65,6 +98,19 @@ struct CodecModule
     void (*mFlush)(CodecSession* inSession);
     /// What the session has learned of its stream by now.
     void (*mTellInfo)(const CodecSession* inSession, CodecInfo* outInfo);
+
+    /// 'fmt?' no such encoder, or it refuses the request; -108.
+    OSStatus (*mOpenEncoder)(const EncoderRequest* inRequest, EncoderSession** outSession);
+    void (*mCloseEncoder)(EncoderSession* inSession);
+    /// Interleaved frames of the layout, copied: those of a packet, or fewer once, at the end.
+    /// Null and 0 start the draining. WantsInput when taken.
+    CodecAnswer (*mSendFrames)(EncoderSession* inSession, const UInt8* inFrames,
+                               UInt32 inFrameCount);
+    CodecAnswer (*mReceivePacket)(EncoderSession* inSession, EncodedPacket* outPacket);
+    /// Where the encoder adjusts itself from packet to packet: what it aims at from now on.
+    void (*mAimAt)(EncoderSession* inSession, UInt32 inBitRate);
+    /// The cookie may become another one at the end of the stream.
+    void (*mTellEncoder)(const EncoderSession* inSession, EncoderFacts* outFacts);
 };
 
 using GetCodecModule = const CodecModule* (*)();

@@ -72,6 +72,106 @@ bool PlanRate(ConversionPlan& ioPlan)
            from <= kHighestRateToChange && to <= kHighestRateToChange;
 }
 
+// The depth of a lossless stream, in bits; 0 for flags that no encoder obeys.
+UInt32 LosslessDepth(const AudioStreamBasicDescription& inDestination, const SampleLayout& inFrom)
+{
+    switch (inDestination.mFormatFlags)
+    {
+        case 0:
+            return !IsFloat(inFrom.mWord) && inFrom.mBits <= 16 ? 16 : 24;
+        case kAppleLosslessFormatFlag_16BitSourceData:
+            return 16;
+        case kAppleLosslessFormatFlag_24BitSourceData:
+            return 24;
+        default:
+            return 0;
+    }
+}
+
+SampleLayout EncoderInput(const EncoderRow& inRow, UInt32 inDepth)
+{
+    const SampleLayout words16 = {SampleWord::Int16, false, false, false, 16};
+    switch (inRow.mSamples)
+    {
+        case EncoderSamples::Floats:
+            return SampleLayout();
+        case EncoderSamples::Lossless:
+            return inDepth == 16 ? words16
+                                 : SampleLayout{SampleWord::Int32, false, false, false, 24};
+        case EncoderSamples::Words16:
+            break;
+    }
+    return words16;
+}
+
+AudioStreamBasicDescription DescribeInput(const SampleLayout& inLayout, Float64 inRate,
+                                          UInt32 inChannels)
+{
+    AudioFormatFlags flags =
+        IsFloat(inLayout.mWord) ? kAudioFormatFlagIsFloat : kAudioFormatFlagIsSignedInteger;
+    const UInt32 wordBytes = WordBytes(inLayout.mWord);
+    flags |=
+        inLayout.mBits == wordBytes * 8 ? kAudioFormatFlagIsPacked : kAudioFormatFlagIsAlignedHigh;
+    const UInt32 frameBytes = wordBytes * inChannels;
+    return {inRate,     kAudioFormatLinearPCM, flags, frameBytes, 1, frameBytes,
+            inChannels, inLayout.mBits,        0};
+}
+
+// What the destination leaves open becomes the encoder's nearest to the source.
+bool PlanStream(ConversionPlan& ioPlan)
+{
+    const EncoderRow& row = *ioPlan.mEncoder;
+    AudioStreamBasicDescription& format = ioPlan.mDestination;
+    if (format.mSampleRate == 0.0)
+        format.mSampleRate = NearestRate(row, ioPlan.mSource.mSampleRate);
+    if (format.mChannelsPerFrame == 0)
+        format.mChannelsPerFrame = NearestChannels(row, ioPlan.mSource.mChannelsPerFrame);
+    if (!IsRate(format.mSampleRate) || format.mSampleRate > Float64{kHighestEncodedRate})
+        return false;
+    ioPlan.mStream.mRate = static_cast<UInt32>(std::floor(format.mSampleRate + 0.5));
+    ioPlan.mStream.mChannelCount = format.mChannelsPerFrame;
+    return TakesRate(row, ioPlan.mStream.mRate) && TakesChannels(row, ioPlan.mStream.mChannelCount);
+}
+
+bool PlanDepth(ConversionPlan& ioPlan)
+{
+    if (ioPlan.mEncoder->mSamples != EncoderSamples::Lossless)
+        return ioPlan.mDestination.mFormatFlags == 0;
+    ioPlan.mStream.mDepth = LosslessDepth(ioPlan.mDestination, ioPlan.mFrom);
+    ioPlan.mDestination.mFormatFlags = ioPlan.mStream.mDepth == 16
+                                           ? kAppleLosslessFormatFlag_16BitSourceData
+                                           : kAppleLosslessFormatFlag_24BitSourceData;
+    return ioPlan.mStream.mDepth != 0;
+}
+
+bool PlanEncoding(ConversionPlan& ioPlan)
+{
+    if (ioPlan.mSource.mFormatID != kAudioFormatLinearPCM || !PlanStream(ioPlan) ||
+        !PlanDepth(ioPlan))
+        return false;
+    AudioStreamBasicDescription& format = ioPlan.mDestination;
+    ioPlan.mTo = EncoderInput(*ioPlan.mEncoder, ioPlan.mStream.mDepth);
+    ioPlan.mLinear = DescribeInput(ioPlan.mTo, format.mSampleRate, format.mChannelsPerFrame);
+    format.mFramesPerPacket = FramesPerPacket(*ioPlan.mEncoder, ioPlan.mStream);
+    format.mBytesPerPacket = BytesPerPacket(*ioPlan.mEncoder, ioPlan.mStream);
+    format.mBytesPerFrame = format.mFramesPerPacket == 1 ? format.mBytesPerPacket : 0;
+    format.mBitsPerChannel = 0;
+    ioPlan.mShape.mOutChannels = format.mChannelsPerFrame;
+    return PlanRate(ioPlan);
+}
+
+bool PlanDestination(ConversionPlan& ioPlan)
+{
+    ioPlan.mEncoder = FindEncoder(ioPlan.mDestination.mFormatID);
+    if (ioPlan.mEncoder != nullptr && ioPlan.mEncoder->mRoad != EncoderRoad::Linear)
+        return PlanEncoding(ioPlan);
+    ioPlan.mEncoder = nullptr;
+    if (!ReadSampleLayout(ioPlan.mDestination, ioPlan.mTo) || !PlanRate(ioPlan))
+        return false;
+    ioPlan.mLinear = ioPlan.mDestination;
+    return FrameMixer::CanMix(ioPlan.mShape);
+}
+
 }  // namespace
 
 OSStatus PlanConversion(const AudioStreamBasicDescription& inSource,
@@ -82,8 +182,7 @@ OSStatus PlanConversion(const AudioStreamBasicDescription& inSource,
     outPlan.mDestination = inDestination;
     outPlan.mShape.mInChannels = inSource.mChannelsPerFrame;
     outPlan.mShape.mOutChannels = inDestination.mChannelsPerFrame;
-    if (!PlanSource(outPlan) || !ReadSampleLayout(inDestination, outPlan.mTo) ||
-        !PlanRate(outPlan) || !FrameMixer::CanMix(outPlan.mShape))
+    if (!PlanSource(outPlan) || !PlanDestination(outPlan))
         return kAudioConverterErr_FormatNotSupported;
     outPlan.mNeedsMixer = outPlan.mShape.mInRate != outPlan.mShape.mOutRate ||
                           outPlan.mShape.mInChannels != outPlan.mShape.mOutChannels;

@@ -4,6 +4,7 @@
 
 #include "convert/FrameMixer.h"
 #include "tables/DataFormats.h"
+#include "tables/Encoders.h"
 
 namespace audiotoolbox
 {
@@ -11,12 +12,17 @@ namespace audiotoolbox
 struct ConversionPlan
 {
     AudioStreamBasicDescription mSource = {};
-    AudioStreamBasicDescription mDestination = {};  // a rate of 0 is the source's by now
+    AudioStreamBasicDescription mDestination = {};  // with what was left open filled in
     const DataFormat* mFormat = nullptr;            // of the source
     SampleLayout mFrom;                             // linear PCM sources only
     SampleLayout mTo;
     MixShape mShape;
     bool mNeedsMixer = false;
+
+    const EncoderRow* mEncoder = nullptr;      // null: to linear PCM
+    StreamShape mStream;                       // what the encoder makes
+    AudioStreamBasicDescription mLinear = {};  // the frames of mTo: the destination, or the
+                                               // encoder's input
 };
 
 /// noErr or 'fmt?'. Loads nothing.

@@ -1,5 +1,7 @@
 #include "convert/Converter.h"
 
+#include "convert/CodecEncoder.h"
+#include "convert/LogLawEncoder.h"
 #include "convert/PlainSources.h"
 
 #include <AudioToolbox/AudioFile.h>
@@ -25,6 +27,16 @@ std::unique_ptr<SampleSource> MakeSource(const ConversionPlan& inPlan, InputPull
     return std::make_unique<LogLawSource>(inInput, law, source.mChannelsPerFrame);
 }
 
+std::unique_ptr<PacketEncoder> MakeEncoder(const ConversionPlan& inPlan,
+                                           const EncoderSettings& inSettings)
+{
+    const EncoderRow& row = *inPlan.mEncoder;
+    if (row.mRoad == EncoderRoad::Codec)
+        return std::make_unique<CodecEncoder>(row, inPlan.mStream, inPlan.mTo, inSettings);
+    const LogLaw law = row.mFormatID == kAudioFormatALaw ? LogLaw::A : LogLaw::Mu;
+    return std::make_unique<LogLawEncoder>(law, inPlan.mStream.mChannelCount);
+}
+
 std::size_t FrameBytes(const ConversionPlan& inPlan)
 {
     return std::size_t{WordBytes(inPlan.mTo.mWord)} * inPlan.mShape.mOutChannels;
@@ -41,23 +53,32 @@ Converter::Converter(const ConversionPlan& inPlan)
 {
     if (mPlan.mNeedsMixer)
         mMixer.emplace(mPlan.mShape, mPlan.mTo);
+    if (mPlan.mEncoder == nullptr)
+        return;
+    mSettings.emplace(*mPlan.mEncoder, mPlan.mStream);
+    mEncoder = MakeEncoder(mPlan, *mSettings);
 }
 
 OSStatus Converter::Fill(AudioConverterRef inSelf, AudioConverterComplexInputDataProc inProc,
-                         void* inUserData, UInt32& ioPackets, AudioBufferList& ioList)
+                         void* inUserData, UInt32& ioPackets, AudioBufferList& ioList,
+                         AudioStreamPacketDescription* outPackets)
 {
-    OutputFrames output(mPlan.mDestination, ioPackets, ioList);
-    ioPackets = 0;
-    if (!output.IsUsable())
-        return kAudioConverterErr_InvalidOutputSize;
-
     mInput.Bind(inSelf, inProc, inUserData);
     OSStatus status = noErr;
     try
     {
-        std::size_t frames = 1;
-        while (status == noErr && frames > 0 && output.Room() > 0)
-            status = FillStep(output, frames);
+        if (mEncoder)
+        {
+            const FrameSupply supply = [this](UInt8* outFrames, UInt32& ioFrames)
+            {
+                AudioBufferList list = {1,
+                                        {{0, ioFrames * mPlan.mLinear.mBytesPerFrame, outFrames}}};
+                return FillLinear(ioFrames, list);
+            };
+            status = mEncoder->Fill(supply, ioPackets, ioList, outPackets);
+        }
+        else
+            status = FillLinear(ioPackets, ioList);
         mInput.KeepRest();
     }
     catch (const std::bad_alloc&)
@@ -65,8 +86,29 @@ OSStatus Converter::Fill(AudioConverterRef inSelf, AudioConverterComplexInputDat
         mInput.Reset();  // its data is the client's and goes with this call
         status = kAudio_MemFullError;
     }
+    return status;
+}
+
+OSStatus Converter::FillLinear(UInt32& ioFrames, AudioBufferList& ioList)
+{
+    OutputFrames output(mPlan.mLinear, ioFrames, ioList);
+    ioFrames = 0;
+    if (!output.IsUsable())
+        return kAudioConverterErr_InvalidOutputSize;
+    OSStatus status = noErr;
+    std::size_t frames = 1;
+    try
+    {
+        while (status == noErr && frames > 0 && output.Room() > 0)
+            status = FillStep(output, frames);
+    }
+    catch (const std::bad_alloc&)
+    {
+        mInput.Reset();
+        status = kAudio_MemFullError;
+    }
     output.Finish();
-    ioPackets = output.Done();
+    ioFrames = output.Done();
     return status;
 }
 
@@ -173,6 +215,8 @@ void Converter::Reset()
     mQueue.Clear();
     mLeadingLeft = mPrime.leadingFrames;
     mHasEnded = false;
+    if (mEncoder)
+        mEncoder->Reset();
 }
 
 CodecSource* Converter::CookieTaker() const

@@ -2,7 +2,7 @@
 //
 // Frames go straight from the source's block into the client's buffer in one pass. Only another
 // rate or channel count, or frames that are to be dropped at the end, take the way through a
-// queue.
+// queue. An encoder stands behind all this and pulls its frames from it.
 #ifndef AUDIOTOOLBOX_CONVERT_CONVERTER_H
 #define AUDIOTOOLBOX_CONVERT_CONVERTER_H
 
@@ -10,6 +10,7 @@
 #include "convert/ConversionPlan.h"
 #include "convert/InputPull.h"
 #include "convert/OutputFrames.h"
+#include "convert/PacketEncoder.h"
 
 #include <memory>
 #include <optional>
@@ -24,19 +25,27 @@ public:
 
     /// As AudioConverterFillComplexBuffer. inSelf is what the procedure is told.
     OSStatus Fill(AudioConverterRef inSelf, AudioConverterComplexInputDataProc inProc,
-                  void* inUserData, UInt32& ioPackets, AudioBufferList& ioList);
+                  void* inUserData, UInt32& ioPackets, AudioBufferList& ioList,
+                  AudioStreamPacketDescription* outPackets);
     void Reset();
 
     const ConversionPlan& Plan() const { return mPlan; }
     bool IsCompressed() const { return mPlan.mSource.mFormatID != kAudioFormatLinearPCM; }
     /// Null where the source takes no cookie.
     CodecSource* CookieTaker() const;
+    /// Null where the destination is linear PCM.
+    PacketEncoder* Encoder() const { return mEncoder.get(); }
+    /// Null where the destination has no bit rates.
+    EncoderSettings* Settings() { return HasSettings() ? &*mSettings : nullptr; }
+    const EncoderSettings* Settings() const { return HasSettings() ? &*mSettings : nullptr; }
 
-    const AudioConverterPrimeInfo& Prime() const { return mPrime; }
+    AudioConverterPrimeInfo Prime() const { return mEncoder ? mEncoder->Prime() : mPrime; }
     /// Takes effect at the start of the audio.
     void SetPrime(const AudioConverterPrimeInfo& inPrime);
 
 private:
+    bool HasSettings() const { return mSettings && mSettings->HasBitRates(); }
+    OSStatus FillLinear(UInt32& ioFrames, AudioBufferList& ioList);
     OSStatus FillStep(OutputFrames& ioOutput, std::size_t& outFrames);
     OSStatus FillDirect(OutputFrames& ioOutput, std::size_t& outFrames);
     OSStatus FillFromQueue(OutputFrames& ioOutput, std::size_t& outFrames);
@@ -54,6 +63,9 @@ private:
     AudioConverterPrimeInfo mPrime = {};
     UInt64 mLeadingLeft = 0;  // frames of the input that are still to be dropped
     bool mHasEnded = false;   // nothing more comes into the queue
+
+    std::optional<EncoderSettings> mSettings;  // of the encoder, which refers to them
+    std::unique_ptr<PacketEncoder> mEncoder;
 };
 
 }  // namespace audiotoolbox

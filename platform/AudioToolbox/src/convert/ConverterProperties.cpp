@@ -2,6 +2,7 @@
 
 #include <cstring>
 #include <span>
+#include <vector>
 
 namespace audiotoolbox
 {
@@ -11,19 +12,41 @@ namespace
 
 using Bytes = std::span<const UInt8>;
 
-// The bytes of a value. What it points at lives as long as the converter is not changed.
+using Value = std::vector<UInt8>;
+
+// One property of some of the converters; another row may serve the others.
 struct Property
 {
     AudioConverterPropertyID mID;
     bool (*mHas)(const Converter&);
-    Bytes (*mGet)(const Converter&);
+    UInt32 mElementBytes;  // of a list, which may be cut; 0: a value, which may not
+    OSStatus (*mGet)(const Converter&, Value& outValue);
     OSStatus (*mSet)(Converter&, Bytes);  // null: read only
 };
 
-template <typename Value>
-Bytes BytesOf(const Value& inValue)
+template <typename Object>
+OSStatus Answer(const Object& inObject, Value& outValue)
 {
-    return {reinterpret_cast<const UInt8*>(&inValue), sizeof(inValue)};
+    const auto* bytes = reinterpret_cast<const UInt8*>(&inObject);
+    outValue.assign(bytes, bytes + sizeof(inObject));
+    return noErr;
+}
+
+template <typename Element>
+OSStatus AnswerList(const std::vector<Element>& inElements, Value& outValue)
+{
+    const auto* bytes = reinterpret_cast<const UInt8*>(inElements.data());
+    outValue.assign(bytes, bytes + inElements.size() * sizeof(Element));
+    return noErr;
+}
+
+template <typename Object>
+OSStatus ReadValue(Bytes inValue, Object& outObject)
+{
+    if (inValue.size() != sizeof(outObject))
+        return kAudioConverterErr_BadPropertySizeError;
+    std::memcpy(&outObject, inValue.data(), sizeof(outObject));
+    return noErr;
 }
 
 bool Always(const Converter&)
@@ -31,9 +54,19 @@ bool Always(const Converter&)
     return true;
 }
 
-bool IsCompressed(const Converter& inConverter)
+bool IsDecoding(const Converter& inConverter)
 {
     return inConverter.IsCompressed();
+}
+
+bool IsEncoding(const Converter& inConverter)
+{
+    return inConverter.Encoder() != nullptr;
+}
+
+bool MakesCookie(const Converter& inConverter)
+{
+    return IsEncoding(inConverter) && inConverter.Plan().mEncoder->mHasCookie;
 }
 
 bool TakesCookie(const Converter& inConverter)
@@ -41,9 +74,19 @@ bool TakesCookie(const Converter& inConverter)
     return inConverter.CookieTaker() != nullptr;
 }
 
-Bytes GetCookie(const Converter& inConverter)
+bool HasBitRates(const Converter& inConverter)
 {
-    return inConverter.CookieTaker()->Cookie();
+    return inConverter.Settings() != nullptr;
+}
+
+bool HasQuality(const Converter& inConverter)
+{
+    return HasBitRates(inConverter) && inConverter.Settings()->HasQuality();
+}
+
+OSStatus GetCookie(const Converter& inConverter, Value& outValue)
+{
+    return AnswerList(inConverter.CookieTaker()->Cookie(), outValue);
 }
 
 OSStatus SetCookie(Converter& ioConverter, Bytes inValue)
@@ -51,50 +94,108 @@ OSStatus SetCookie(Converter& ioConverter, Bytes inValue)
     return ioConverter.CookieTaker()->SetCookie(inValue);
 }
 
-Bytes GetPrime(const Converter& inConverter)
+OSStatus GetEncoderCookie(const Converter& inConverter, Value& outValue)
 {
-    return BytesOf(inConverter.Prime());
+    return inConverter.Encoder()->GetCookie(outValue);
+}
+
+OSStatus GetPrime(const Converter& inConverter, Value& outValue)
+{
+    return Answer(inConverter.Prime(), outValue);
 }
 
 OSStatus SetPrime(Converter& ioConverter, Bytes inValue)
 {
     AudioConverterPrimeInfo prime;
-    if (inValue.size() != sizeof(prime))
-        return kAudioConverterErr_BadPropertySizeError;
-    std::memcpy(&prime, inValue.data(), sizeof(prime));
+    if (const OSStatus status = ReadValue(inValue, prime); status != noErr)
+        return status;
     ioConverter.SetPrime(prime);
     return noErr;
 }
 
-Bytes GetSource(const Converter& inConverter)
+OSStatus GetSource(const Converter& inConverter, Value& outValue)
 {
-    return BytesOf(inConverter.Plan().mSource);
+    return Answer(inConverter.Plan().mSource, outValue);
 }
 
-Bytes GetDestination(const Converter& inConverter)
+OSStatus GetDestination(const Converter& inConverter, Value& outValue)
 {
-    return BytesOf(inConverter.Plan().mDestination);
+    return Answer(inConverter.Plan().mDestination, outValue);
 }
 
 // A packet of linear PCM is one frame in each buffer.
-Bytes GetOutputPacketSize(const Converter& inConverter)
+OSStatus GetOutputPacketSize(const Converter& inConverter, Value& outValue)
 {
-    return BytesOf(inConverter.Plan().mDestination.mBytesPerPacket);
+    const ConversionPlan& plan = inConverter.Plan();
+    return Answer(plan.mEncoder != nullptr ? MaximumPacketBytes(*plan.mEncoder, plan.mStream)
+                                           : plan.mDestination.mBytesPerPacket,
+                  outValue);
 }
 
+OSStatus GetMode(const Converter& inConverter, Value& outValue)
+{
+    return Answer(inConverter.Settings()->Mode(), outValue);
+}
+
+OSStatus GetBitRate(const Converter& inConverter, Value& outValue)
+{
+    return Answer(inConverter.Settings()->BitRate(), outValue);
+}
+
+OSStatus GetQuality(const Converter& inConverter, Value& outValue)
+{
+    return Answer(inConverter.Settings()->Quality(), outValue);
+}
+
+OSStatus GetApplicableBitRates(const Converter& inConverter, Value& outValue)
+{
+    return AnswerList(inConverter.Settings()->ApplicableBitRates(), outValue);
+}
+
+OSStatus GetAvailableBitRates(const Converter& inConverter, Value& outValue)
+{
+    return AnswerList(inConverter.Settings()->AvailableBitRates(), outValue);
+}
+
+// A running encoder keeps to what it was opened with.
+template <typename Object, OSStatus (EncoderSettings::*kSet)(Object)>
+OSStatus SetSetting(Converter& ioConverter, Bytes inValue)
+{
+    Object object;
+    if (const OSStatus status = ReadValue(inValue, object); status != noErr)
+        return status;
+    if (ioConverter.Encoder()->HasStarted())
+        return kAudioConverterErr_OperationNotSupported;
+    return (ioConverter.Settings()->*kSet)(object);
+}
+
+constexpr UInt32 kRange = sizeof(AudioValueRange);
+
+// clang-format off
 constexpr Property kProperties[] = {
-    {kAudioConverterCurrentInputStreamDescription, &Always, &GetSource, nullptr},
-    {kAudioConverterCurrentOutputStreamDescription, &Always, &GetDestination, nullptr},
-    {kAudioConverterDecompressionMagicCookie, &TakesCookie, &GetCookie, &SetCookie},
-    {kAudioConverterPrimeInfo, &IsCompressed, &GetPrime, &SetPrime},
-    {kAudioConverterPropertyMaximumOutputPacketSize, &Always, &GetOutputPacketSize, nullptr},
+    {kAudioConverterCurrentInputStreamDescription,  &Always, 0, &GetSource, nullptr},
+    {kAudioConverterCurrentOutputStreamDescription, &Always, 0, &GetDestination, nullptr},
+    {kAudioConverterDecompressionMagicCookie, &TakesCookie,  0, &GetCookie, &SetCookie},
+    {kAudioConverterCompressionMagicCookie,   &MakesCookie,  0, &GetEncoderCookie, nullptr},
+    {kAudioConverterPrimeInfo,                &IsDecoding,   0, &GetPrime, &SetPrime},
+    {kAudioConverterPrimeInfo,                &IsEncoding,   0, &GetPrime, nullptr},
+    {kAudioConverterPropertyMaximumOutputPacketSize, &Always, 0, &GetOutputPacketSize, nullptr},
+    {kAudioCodecPropertyBitRateControlMode,   &HasBitRates,  0, &GetMode,
+     &SetSetting<UInt32, &EncoderSettings::SetMode>},
+    {kAudioConverterEncodeBitRate,            &HasBitRates,  0, &GetBitRate,
+     &SetSetting<UInt32, &EncoderSettings::SetBitRate>},
+    {kAudioCodecPropertySoundQualityForVBR,   &HasQuality,   0, &GetQuality,
+     &SetSetting<Float32, &EncoderSettings::SetQuality>},
+    {kAudioConverterApplicableEncodeBitRates, &HasBitRates,  kRange, &GetApplicableBitRates, nullptr},
+    {kAudioConverterAvailableEncodeBitRates,  &HasBitRates,  kRange, &GetAvailableBitRates, nullptr},
 };
+// clang-format on
 
 const Property* FindProperty(const Converter& inConverter, AudioConverterPropertyID inProperty)
 {
     for (const Property& row : kProperties)
-        if (row.mID == inProperty)
-            return row.mHas(inConverter) ? &row : nullptr;
+        if (row.mID == inProperty && row.mHas(inConverter))
+            return &row;
     return nullptr;
 }
 
@@ -106,7 +207,10 @@ OSStatus GetConverterPropertyInfo(const Converter& inConverter, AudioConverterPr
     const Property* property = FindProperty(inConverter, inProperty);
     if (property == nullptr)
         return kAudioConverterErr_PropertyNotSupported;
-    outSize = static_cast<UInt32>(property->mGet(inConverter).size());
+    Value value;
+    if (const OSStatus status = property->mGet(inConverter, value); status != noErr)
+        return status;
+    outSize = static_cast<UInt32>(value.size());
     outIsWritable = property->mSet != nullptr;
     return noErr;
 }
@@ -117,7 +221,11 @@ OSStatus GetConverterProperty(const Converter& inConverter, AudioConverterProper
     const Property* property = FindProperty(inConverter, inProperty);
     if (property == nullptr)
         return kAudioConverterErr_PropertyNotSupported;
-    const Bytes value = property->mGet(inConverter);
+    Value value;
+    if (const OSStatus status = property->mGet(inConverter, value); status != noErr)
+        return status;
+    if (property->mElementBytes != 0 && ioSize < value.size())
+        value.resize(ioSize - ioSize % property->mElementBytes);
     if (ioSize < value.size())
         return kAudioConverterErr_BadPropertySizeError;
     if (!value.empty())

@@ -11,11 +11,13 @@ namespace audiotoolbox
 OSStatus GetConverterPropertyInfo(const Converter& inConverter, AudioConverterPropertyID inProperty,
                                   UInt32& outSize, bool& outIsWritable);
 
-/// '!siz' for less room than the value takes; *ioSize becomes the value's size on success.
+/// '!siz' for less room than the value takes, except that a list is cut to the whole elements that
+/// fit; *ioSize becomes the delivered size on success.
 OSStatus GetConverterProperty(const Converter& inConverter, AudioConverterPropertyID inProperty,
                               UInt32& ioSize, void* outData);
 
-/// '!siz' for another size than the value's; 'prop' also for what can only be read.
+/// '!siz' for another size than the value's; 'prop' also for what can only be read. Settings of an
+/// encoder: -50 for a value that it does not take, 'op??' once it is at work.
 OSStatus SetConverterProperty(Converter& ioConverter, AudioConverterPropertyID inProperty,
                               UInt32 inSize, const void* inData);
 

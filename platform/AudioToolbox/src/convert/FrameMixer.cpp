@@ -4,6 +4,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <cstring>
 
 namespace audiotoolbox
 {
@@ -12,6 +13,14 @@ namespace
 {
 
 constexpr SampleLayout kDoubles = {SampleWord::Float64, false, false, false, 64};
+
+Float64 Mean(const Float64* inSamples, std::size_t inCount)
+{
+    Float64 sum = 0.0;
+    for (std::size_t i = 0; i < inCount; ++i)
+        sum += inSamples[i];
+    return sum / static_cast<Float64>(inCount);
+}
 
 }  // namespace
 
@@ -96,12 +105,23 @@ OSStatus FrameMixer::Finish(FrameQueue& ioQueue)
 void FrameMixer::MapChannels(std::size_t inFrameCount)
 {
     Float64* frames = mFrames.data();
-    if (mShape.mInChannels == 1 && mShape.mOutChannels == 2)
+    const std::size_t in = mShape.mInChannels;
+    const std::size_t out = mShape.mOutChannels;
+    if (in == 1 && out == 2)
         for (std::size_t i = inFrameCount; i-- > 0;)
             frames[2 * i] = frames[2 * i + 1] = frames[i];
-    else if (mShape.mInChannels == 2 && mShape.mOutChannels == 1)
+    else if (out == 1 && in > 1)
         for (std::size_t i = 0; i < inFrameCount; ++i)
-            frames[i] = (frames[2 * i] + frames[2 * i + 1]) * 0.5;
+            frames[i] = Mean(frames + in * i, in);
+    else if (in > out)
+        for (std::size_t i = 0; i < inFrameCount; ++i)
+            std::memmove(frames + out * i, frames + in * i, out * sizeof(Float64));
+    else if (in < out)
+        for (std::size_t i = inFrameCount; i-- > 0;)
+        {
+            std::memmove(frames + out * i, frames + in * i, in * sizeof(Float64));
+            std::fill_n(frames + out * i + in, out - in, 0.0);
+        }
 }
 
 void FrameMixer::Queue(const Float64* inFrames, std::size_t inFrameCount, FrameQueue& ioQueue)

@@ -1,6 +1,8 @@
 #include "convert/LogLaw.h"
 
+#include <algorithm>
 #include <array>
+#include <bit>
 
 namespace audiotoolbox
 {
@@ -26,6 +28,29 @@ constexpr SInt16 ExpandMu(UInt8 inCode)
     return static_cast<SInt16>((code & 0x80u) != 0 ? kBias - magnitude : magnitude - kBias);
 }
 
+// The steps of a segment are equal, and its codes stand for the middles of them.
+constexpr UInt8 CompressA(SInt16 inSample)
+{
+    const bool isPositive = inSample >= 0;
+    const UInt32 magnitude = static_cast<UInt32>(isPositive ? inSample : -1 - inSample);
+    const UInt32 width = static_cast<UInt32>(std::bit_width(magnitude >> 8));
+    const UInt32 step = magnitude >> (width < 2 ? 4 : width + 3);
+    const UInt32 code = (width << 4) | (step & 0xFu);
+    return static_cast<UInt8>((code | (isPositive ? 0x80u : 0u)) ^ 0x55u);
+}
+
+constexpr UInt8 CompressMu(SInt16 inSample)
+{
+    constexpr UInt32 kBias = 132;
+    constexpr UInt32 kHighest = 32767;
+    const bool isPositive = inSample >= 0;
+    const UInt32 size = static_cast<UInt32>(isPositive ? SInt32{inSample} : -SInt32{inSample});
+    const UInt32 magnitude = std::min(size + kBias, kHighest);
+    const UInt32 width = static_cast<UInt32>(std::bit_width(magnitude >> 8));
+    const UInt32 code = (width << 4) | (magnitude >> (width + 3) & 0xFu);
+    return static_cast<UInt8>((code | (isPositive ? 0u : 0x80u)) ^ 0xFFu);
+}
+
 template <SInt16 (*kExpand)(UInt8), typename Sample>
 constexpr std::array<Sample, 256> MakeTable(Sample inScale)
 {
@@ -40,6 +65,13 @@ constexpr std::array<SInt16, 256> kIntegers[] = {MakeTable<ExpandA, SInt16>(1),
 constexpr std::array<Float32, 256> kFloats[] = {MakeTable<ExpandA, Float32>(0x1p-15f),
                                                 MakeTable<ExpandMu, Float32>(0x1p-15f)};
 
+template <UInt8 (*kCompress)(SInt16)>
+void Compress(const SInt16* inSamples, std::size_t inCount, UInt8* outCodes)
+{
+    for (std::size_t i = 0; i < inCount; ++i)
+        outCodes[i] = kCompress(inSamples[i]);
+}
+
 }  // namespace
 
 SInt16 ExpandLogLaw(LogLaw inLaw, UInt8 inCode)
@@ -52,6 +84,12 @@ void ExpandLogLaw(LogLaw inLaw, const UInt8* inCodes, std::size_t inCount, Float
     const std::array<Float32, 256>& table = kFloats[static_cast<std::size_t>(inLaw)];
     for (std::size_t i = 0; i < inCount; ++i)
         outSamples[i] = table[inCodes[i]];
+}
+
+void CompressLogLaw(LogLaw inLaw, const SInt16* inSamples, std::size_t inCount, UInt8* outCodes)
+{
+    const auto compress = inLaw == LogLaw::A ? &Compress<CompressA> : &Compress<CompressMu>;
+    compress(inSamples, inCount, outCodes);
 }
 
 }  // namespace audiotoolbox

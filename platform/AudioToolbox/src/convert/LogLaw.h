@@ -21,6 +21,9 @@ SInt16 ExpandLogLaw(LogLaw inLaw, UInt8 inCode);
 /// To 32-bit floats, native byte order, full scale 1.
 void ExpandLogLaw(LogLaw inLaw, const UInt8* inCodes, std::size_t inCount, Float32* outSamples);
 
+/// From native 16-bit words to the code in whose step the value lies.
+void CompressLogLaw(LogLaw inLaw, const SInt16* inSamples, std::size_t inCount, UInt8* outCodes);
+
 }  // namespace audiotoolbox
 
 #endif

@@ -29,8 +29,8 @@ TEST(New, RefusesNullArgumentsAndFormatsThatItCannotDo)
     EXPECT_EQ(AudioConverterNew(&format, &format, nullptr), -50);
     EXPECT_EQ(AudioConverterDispose(nullptr), -50);
     const OSStatus refused = kAudioConverterErr_FormatNotSupported;
-    const auto aac = Compressed(kAudioFormatMPEG4AAC, 44100, 2, 1024);
-    EXPECT_EQ(NewStatus(format, aac), refused);
+    const auto layered = Compressed(kAudioFormatMPEG4AAC_HE, 44100, 2, 2048);
+    EXPECT_EQ(NewStatus(format, layered), refused) << "nothing encodes it";
     EXPECT_EQ(NewStatus(Compressed(kAudioFormatMACE3, 44100, 1, 6), format), refused);
     EXPECT_EQ(NewStatus(Compressed(0x3F3F3F3F, 44100, 2, 0), format), refused);
     EXPECT_EQ(NewStatus(Compressed(kAudioFormatAC3, 48000, 9, 1536), Floats(48000, 9)), refused);

@@ -1,5 +1,6 @@
 // The codec module's one export: its table of functions.
 #include "convert/codecs/Decoder.h"
+#include "convert/codecs/Encoder.h"
 
 #include <AudioToolbox/AudioFile.h>
 
@@ -14,12 +15,17 @@ struct CodecSession : codecs::Decoder
 {
 };
 
+struct EncoderSession : codecs::Encoder
+{
+};
+
 namespace
 {
 
-OSStatus Open(const CodecRequest* inRequest, CodecSession** outSession)
+template <typename Session, typename Request>
+OSStatus Open(const Request* inRequest, Session** outSession)
 {
-    auto session = std::unique_ptr<CodecSession>(new (std::nothrow) CodecSession);
+    auto session = std::unique_ptr<Session>(new (std::nothrow) Session);
     if (!session)
         return kAudio_MemFullError;
     const OSStatus status = session->Open(*inRequest);
@@ -27,7 +33,8 @@ OSStatus Open(const CodecRequest* inRequest, CodecSession** outSession)
     return status;
 }
 
-void Close(CodecSession* inSession)
+template <typename Session>
+void Close(Session* inSession)
 {
     delete inSession;
 }
@@ -52,11 +59,42 @@ void TellInfo(const CodecSession* inSession, CodecInfo* outInfo)
     *outInfo = inSession->Info();
 }
 
+CodecAnswer SendFrames(EncoderSession* inSession, const UInt8* inFrames, UInt32 inFrameCount)
+{
+    return inSession->Send(inFrames, inFrameCount);
+}
+
+CodecAnswer ReceivePacket(EncoderSession* inSession, EncodedPacket* outPacket)
+{
+    return inSession->Receive(*outPacket);
+}
+
+void AimAt(EncoderSession* inSession, UInt32 inBitRate)
+{
+    inSession->AimAt(inBitRate);
+}
+
+void TellEncoder(const EncoderSession* inSession, EncoderFacts* outFacts)
+{
+    *outFacts = inSession->Facts();
+}
+
 // Damaged packets are answered with statuses; nothing goes to standard error.
 void KeepQuiet(void*, int, const char*, va_list) {}
 
-constexpr CodecModule kModule = {
-    kCodecInterfaceVersion, &Open, &Close, &Send, &Receive, &Flush, &TellInfo};
+constexpr CodecModule kModule = {kCodecInterfaceVersion,
+                                 &Open<CodecSession, CodecRequest>,
+                                 &Close<CodecSession>,
+                                 &Send,
+                                 &Receive,
+                                 &Flush,
+                                 &TellInfo,
+                                 &Open<EncoderSession, EncoderRequest>,
+                                 &Close<EncoderSession>,
+                                 &SendFrames,
+                                 &ReceivePacket,
+                                 &AimAt,
+                                 &TellEncoder};
 
 }  // namespace
 
