@@ -1,6 +1,6 @@
 #include "api/GlobalInfo.h"
 
-#include "tables/FileTypes.h"
+#include "tables/WritableTypes.h"
 
 #include <algorithm>
 #include <cstring>
@@ -12,12 +12,26 @@ namespace audiotoolbox
 namespace
 {
 
-// Either a list of numbers, or a new object that belongs to whoever asked.
+// What a question is about, as far as its specifier tells.
+struct Subject
+{
+    const FileTypeRow* mType = nullptr;
+    AudioFormatID mFormat = 0;
+};
+
+// Either the bytes of a list, or a new object that belongs to whoever asked.
 struct Answer
 {
-    std::vector<UInt32> mNumbers;
+    std::vector<UInt8> mList;
     CFTypeRef mObject = nullptr;
 };
+
+template <typename Element>
+Answer ListOf(const std::vector<Element>& inElements)
+{
+    const auto* bytes = reinterpret_cast<const UInt8*>(inElements.data());
+    return {{bytes, bytes + inElements.size() * sizeof(Element)}, nullptr};
+}
 
 using Texts = std::vector<const char*>;
 
@@ -53,40 +67,50 @@ Texts TextsOf(std::span<const char* const> inTexts)
     return {inTexts.begin(), inTexts.end()};
 }
 
-Answer Types(const FileTypeRow*)
+Answer ReadableTypes(const Subject&)
 {
-    Answer answer;
+    std::vector<UInt32> types;
     for (const FileTypeRow& row : FileTypes())
-        answer.mNumbers.push_back(row.mType);
-    return answer;
+        types.push_back(row.mType);
+    return ListOf(types);
 }
 
-Answer FormatsOfType(const FileTypeRow* inRow)
+Answer TypesToWrite(const Subject&)
 {
-    return {{inRow->mFormats.begin(), inRow->mFormats.end()}, nullptr};
+    return ListOf(WritableTypes());
 }
 
-Answer NameOfType(const FileTypeRow* inRow)
+Answer FormatsOfType(const Subject& inSubject)
 {
-    return {{}, NewString(inRow->mName)};
+    return ListOf(audiotoolbox::FormatsOfType(*inSubject.mType));
 }
 
-Answer ExtensionsOfType(const FileTypeRow* inRow)
+Answer VariantsOfFormat(const Subject& inSubject)
 {
-    return {{}, NewArray(TextsOf(inRow->mExtensions))};
+    return ListOf(WritableVariants(inSubject.mType->mType, inSubject.mFormat));
 }
 
-Answer MIMETypesOfType(const FileTypeRow* inRow)
+Answer NameOfType(const Subject& inSubject)
 {
-    return {{}, NewArray(TextsOf(inRow->mMIMETypes))};
+    return {{}, NewString(inSubject.mType->mName)};
 }
 
-Answer AllExtensions(const FileTypeRow*)
+Answer ExtensionsOfType(const Subject& inSubject)
+{
+    return {{}, NewArray(TextsOf(inSubject.mType->mExtensions))};
+}
+
+Answer MIMETypesOfType(const Subject& inSubject)
+{
+    return {{}, NewArray(TextsOf(inSubject.mType->mMIMETypes))};
+}
+
+Answer AllExtensions(const Subject&)
 {
     return {{}, NewArray(AllTexts(&FileTypeRow::mExtensions))};
 }
 
-Answer AllMIMETypes(const FileTypeRow*)
+Answer AllMIMETypes(const Subject&)
 {
     return {{}, NewArray(AllTexts(&FileTypeRow::mMIMETypes))};
 }
@@ -94,20 +118,28 @@ Answer AllMIMETypes(const FileTypeRow*)
 struct QuestionRow
 {
     AudioFilePropertyID mProperty;
-    bool mIsAboutType;  // the specifier is a file type
-    bool mIsObject;     // the answer is a pointer, else a list of numbers
-    Answer (*mAnswer)(const FileTypeRow* inRow);
+    UInt32 mSpecifierBytes;  // 4: a file type; 8: a file type and a format
+    UInt32 mElementBytes;    // of a list; 0: the answer is a pointer
+    Answer (*mAnswer)(const Subject& inSubject);
 };
 
+constexpr UInt32 kType = sizeof(AudioFileTypeID);
+constexpr UInt32 kTypeAndFormat = sizeof(AudioFileTypeAndFormatID);
+
+// clang-format off
 constexpr QuestionRow kQuestions[] = {
-    {kAudioFileGlobalInfo_ReadableTypes, false, false, &Types},
-    {kAudioFileGlobalInfo_AvailableFormatIDs, true, false, &FormatsOfType},
-    {kAudioFileGlobalInfo_FileTypeName, true, true, &NameOfType},
-    {kAudioFileGlobalInfo_ExtensionsForType, true, true, &ExtensionsOfType},
-    {kAudioFileGlobalInfo_MIMETypesForType, true, true, &MIMETypesOfType},
-    {kAudioFileGlobalInfo_AllExtensions, false, true, &AllExtensions},
-    {kAudioFileGlobalInfo_AllMIMETypes, false, true, &AllMIMETypes},
+    {kAudioFileGlobalInfo_ReadableTypes,      0,     sizeof(UInt32), &ReadableTypes},
+    {kAudioFileGlobalInfo_WritableTypes,      0,     sizeof(UInt32), &TypesToWrite},
+    {kAudioFileGlobalInfo_AvailableFormatIDs, kType, sizeof(UInt32), &FormatsOfType},
+    {kAudioFileGlobalInfo_AvailableStreamDescriptionsForFormat, kTypeAndFormat,
+     sizeof(AudioStreamBasicDescription), &VariantsOfFormat},
+    {kAudioFileGlobalInfo_FileTypeName,       kType, 0,              &NameOfType},
+    {kAudioFileGlobalInfo_ExtensionsForType,  kType, 0,              &ExtensionsOfType},
+    {kAudioFileGlobalInfo_MIMETypesForType,   kType, 0,              &MIMETypesOfType},
+    {kAudioFileGlobalInfo_AllExtensions,      0,     0,              &AllExtensions},
+    {kAudioFileGlobalInfo_AllMIMETypes,       0,     0,              &AllMIMETypes},
 };
+// clang-format on
 
 const QuestionRow* FindQuestion(AudioFilePropertyID inProperty)
 {
@@ -117,26 +149,27 @@ const QuestionRow* FindQuestion(AudioFilePropertyID inProperty)
     return row == std::end(kQuestions) ? nullptr : row;
 }
 
-OSStatus FindRow(const QuestionRow& inQuestion, UInt32 inSpecifierSize, const void* inSpecifier,
-                 const FileTypeRow*& outRow)
+OSStatus FindSubject(const QuestionRow& inQuestion, UInt32 inSpecifierSize, const void* inSpecifier,
+                     Subject& outSubject)
 {
-    outRow = nullptr;
-    if (!inQuestion.mIsAboutType)
+    outSubject = Subject();
+    if (inQuestion.mSpecifierBytes == 0)
         return noErr;
-    AudioFileTypeID type = 0;
-    if (inSpecifierSize != sizeof(type) || inSpecifier == nullptr)
+    if (inSpecifierSize != inQuestion.mSpecifierBytes || inSpecifier == nullptr)
         return kAudioFileBadPropertySizeError;
-    std::memcpy(&type, inSpecifier, sizeof(type));
-    outRow = FindFileType(type);
-    return outRow != nullptr ? noErr : kAudioFileUnsupportedFileTypeError;
+    AudioFileTypeAndFormatID specifier = {};
+    std::memcpy(&specifier, inSpecifier, inSpecifierSize);
+    outSubject = {FindFileType(specifier.mFileType), specifier.mFormatID};
+    return outSubject.mType != nullptr ? noErr : kAudioFileUnsupportedFileTypeError;
 }
 
-OSStatus CopyNumbers(const std::vector<UInt32>& inNumbers, UInt32* ioSize, void* outData)
+OSStatus CopyList(const std::vector<UInt8>& inList, UInt32 inElementBytes, UInt32* ioSize,
+                  void* outData)
 {
-    const std::size_t room = *ioSize / sizeof(UInt32);
-    const std::size_t bytes = std::min(room, inNumbers.size()) * sizeof(UInt32);
+    const std::size_t room = *ioSize - *ioSize % inElementBytes;
+    const std::size_t bytes = std::min(room, inList.size());
     if (bytes > 0)
-        std::memcpy(outData, inNumbers.data(), bytes);
+        std::memcpy(outData, inList.data(), bytes);
     *ioSize = static_cast<UInt32>(bytes);
     return noErr;
 }
@@ -149,16 +182,16 @@ OSStatus GetFileGlobalInfoSize(AudioFilePropertyID inProperty, UInt32 inSpecifie
     const QuestionRow* question = FindQuestion(inProperty);
     if (question == nullptr)
         return kAudioFileUnsupportedPropertyError;
-    if (question->mIsObject)
+    if (question->mElementBytes == 0)
     {
         *outSize = sizeof(CFTypeRef);
         return noErr;
     }
-    const FileTypeRow* row = nullptr;
-    if (const OSStatus status = FindRow(*question, inSpecifierSize, inSpecifier, row);
+    Subject subject;
+    if (const OSStatus status = FindSubject(*question, inSpecifierSize, inSpecifier, subject);
         status != noErr)
         return status;
-    *outSize = static_cast<UInt32>(question->mAnswer(row).mNumbers.size() * sizeof(UInt32));
+    *outSize = static_cast<UInt32>(question->mAnswer(subject).mList.size());
     return noErr;
 }
 
@@ -168,15 +201,15 @@ OSStatus GetFileGlobalInfo(AudioFilePropertyID inProperty, UInt32 inSpecifierSiz
     const QuestionRow* question = FindQuestion(inProperty);
     if (question == nullptr)
         return kAudioFileUnsupportedPropertyError;
-    const FileTypeRow* row = nullptr;
-    if (const OSStatus status = FindRow(*question, inSpecifierSize, inSpecifier, row);
+    Subject subject;
+    if (const OSStatus status = FindSubject(*question, inSpecifierSize, inSpecifier, subject);
         status != noErr)
         return status;
-    if (!question->mIsObject)
-        return CopyNumbers(question->mAnswer(row).mNumbers, ioSize, outData);
+    if (question->mElementBytes != 0)
+        return CopyList(question->mAnswer(subject).mList, question->mElementBytes, ioSize, outData);
     if (*ioSize < sizeof(CFTypeRef))
         return kAudioFileBadPropertySizeError;
-    const CFTypeRef object = question->mAnswer(row).mObject;
+    const CFTypeRef object = question->mAnswer(subject).mObject;
     if (object == nullptr)
         return kAudio_MemFullError;
     std::memcpy(outData, &object, sizeof(object));

@@ -2,6 +2,7 @@
 
 #include <AudioToolbox/AudioFile.h>
 
+#include <algorithm>
 #include <gtest/gtest.h>
 #include <set>
 #include <string>
@@ -130,6 +131,100 @@ TEST(AudioFileGlobals, ListTheFormatsThatATypeHolds)
     EXPECT_EQ(formats[0], kAudioFormatLinearPCM);
     EXPECT_EQ(formats[1], kAudioFormatALaw);
     EXPECT_EQ(formats[2], kAudioFormatULaw);
+}
+
+template <typename Element>
+std::vector<Element> ListOf(AudioFilePropertyID inProperty, UInt32 inSpecifierSize,
+                            void* inSpecifier)
+{
+    UInt32 size = 0;
+    EXPECT_EQ(AudioFileGetGlobalInfoSize(inProperty, inSpecifierSize, inSpecifier, &size), noErr);
+    std::vector<Element> list(size / sizeof(Element) + 1);
+    EXPECT_EQ(AudioFileGetGlobalInfo(inProperty, inSpecifierSize, inSpecifier, &size, list.data()),
+              noErr);
+    list.resize(size / sizeof(Element));
+    return list;
+}
+
+std::vector<AudioStreamBasicDescription> VariantsOf(AudioFileTypeID inType, UInt32 inFormat)
+{
+    AudioFileTypeAndFormatID pair = {inType, inFormat};
+    return ListOf<AudioStreamBasicDescription>(
+        kAudioFileGlobalInfo_AvailableStreamDescriptionsForFormat, sizeof(pair), &pair);
+}
+
+TEST(AudioFileGlobals, ListWritableTypesInCodeOrderAmongTheReadableOnes)
+{
+    const auto types = ListOf<UInt32>(kAudioFileGlobalInfo_WritableTypes, 0, nullptr);
+    EXPECT_EQ(types.size(), 20u);
+    EXPECT_TRUE(std::is_sorted(types.begin(), types.end()));
+    const std::vector<UInt32> readable = ReadableTypes();
+    for (const UInt32 type : types)
+        EXPECT_EQ(std::count(readable.begin(), readable.end(), type), 1) << type;
+    for (const UInt32 type : {kAudioFileAMRType, kAudioFileMP1Type})
+        EXPECT_EQ(std::count(types.begin(), types.end(), type), 0) << type;
+}
+
+TEST(AudioFileGlobals, ListLinearVariantsInTheirOrder)
+{
+    const auto texts = [](AudioFileTypeID inType)
+    {
+        std::string text;
+        for (const AudioStreamBasicDescription& variant : VariantsOf(inType, kAudioFormatLinearPCM))
+        {
+            EXPECT_EQ(variant.mFramesPerPacket, 1u);
+            EXPECT_EQ(variant.mBytesPerPacket + variant.mBytesPerFrame + variant.mChannelsPerFrame,
+                      0u);
+            EXPECT_EQ(variant.mSampleRate, 0.0);
+            text += std::to_string(variant.mFormatFlags) + "/" +
+                    std::to_string(variant.mBitsPerChannel) + " ";
+        }
+        return text;
+    };
+    EXPECT_EQ(texts(kAudioFileWAVEType), "8/8 12/16 12/24 9/32 12/32 9/64 ");
+    EXPECT_EQ(texts(kAudioFileAIFFType), "12/8 14/16 14/24 14/32 ");
+    EXPECT_EQ(texts(kAudioFileAIFCType), "12/8 14/16 12/16 14/24 12/24 11/32 14/32 12/32 11/64 ");
+    EXPECT_EQ(texts(kAudioFileNextType), "12/8 14/16 14/24 11/32 14/32 11/64 ");
+    EXPECT_EQ(texts(kAudioFileCAFType),
+              "12/8 14/16 12/16 14/24 12/24 11/32 9/32 14/32 12/32 11/64 9/64 ");
+}
+
+TEST(AudioFileGlobals, ListOneVariantOfEveryOtherWritableFormatAndNoneOfOthers)
+{
+    const auto flac = VariantsOf(kAudioFileFLACType, kAudioFormatFLAC);
+    ASSERT_EQ(flac.size(), 1u);
+    EXPECT_EQ(flac[0].mFormatID, kAudioFormatFLAC);
+    EXPECT_EQ(flac[0].mFormatFlags, 0u);
+    EXPECT_EQ(VariantsOf(kAudioFileMPEG4Type, kAudioFormatOpus).size(), 1u);
+    EXPECT_TRUE(VariantsOf(kAudioFileM4AType, kAudioFormatOpus).empty());
+    EXPECT_TRUE(VariantsOf(kAudioFileM4AType, kAudioFormatLinearPCM).empty());
+    EXPECT_TRUE(VariantsOf(kAudioFileAMRType, kAudioFormatAMR).empty());
+}
+
+TEST(AudioFileGlobals, CutVariantsToWholeOnesAndRefuseOtherSpecifiers)
+{
+    AudioFileTypeAndFormatID pair = {kAudioFileWAVEType, kAudioFormatLinearPCM};
+    AudioStreamBasicDescription variants[2] = {};
+    UInt32 size = 79;
+    constexpr AudioFilePropertyID kVariants =
+        kAudioFileGlobalInfo_AvailableStreamDescriptionsForFormat;
+    EXPECT_EQ(AudioFileGetGlobalInfo(kVariants, 8, &pair, &size, variants), noErr);
+    EXPECT_EQ(size, 40u);
+    EXPECT_EQ(variants[1].mFormatID, 0u);
+    EXPECT_EQ(AudioFileGetGlobalInfoSize(kVariants, 4, &pair, &size),
+              kAudioFileBadPropertySizeError);
+    pair.mFileType = 0;
+    EXPECT_EQ(AudioFileGetGlobalInfoSize(kVariants, 8, &pair, &size),
+              kAudioFileUnsupportedFileTypeError);
+}
+
+TEST(AudioFileGlobals, NoTypeThatIsWrittenListsAnEncodableFormatThatItCannotHold)
+{
+    UInt32 type = kAudioFileCAFType;
+    const auto formats = ListOf<UInt32>(kAudioFileGlobalInfo_AvailableFormatIDs, 4, &type);
+    EXPECT_EQ(std::count(formats.begin(), formats.end(), kAudioFormatAppleLossless), 1);
+    EXPECT_EQ(std::count(formats.begin(), formats.end(), kAudioFormatMPEG4AAC_HE), 1);
+    EXPECT_EQ(std::count(formats.begin(), formats.end(), kAudioFormatFLAC), 0);
 }
 
 TEST(AudioFileGlobals, RefuseWhatTheyDoNotKnow)
