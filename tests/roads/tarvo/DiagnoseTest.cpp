@@ -1,4 +1,4 @@
-// tarvo diagnose on plug-ins that break rules or do not play along.
+// tarvo diagnose on the built bundle, and on plug-ins that do not play along.
 
 #include "tests/roads/tarvo/Program.h"
 
@@ -22,6 +22,41 @@ std::vector<json> Objects(const std::string& inLines)
     for (std::string line; std::getline(lines, line);)
         objects.push_back(json::parse(line));
     return objects;
+}
+
+TEST(Diagnose, PassesOnTheBuiltBundle)
+{
+    const ProgramRun run = RunTarvo({"diagnose"});
+    EXPECT_EQ(run.mExitCode, 0) << run.mOutput << run.mErrors;
+    EXPECT_EQ(run.mErrors, "");
+    EXPECT_NE(run.mOutput.find("AudioToolbox/FormatTests/QueryInputFormats: passed\n"),
+              std::string::npos)
+        << run.mOutput;
+    EXPECT_NE(run.mOutput.find("AudioToolbox/FormatTests/QueryOuputFormats: passed\n"),
+              std::string::npos)
+        << run.mOutput;
+}
+
+TEST(Diagnose, PrintsBothCatalogues)
+{
+    const std::vector<json> objects = Objects(RunTarvo({"diagnose", "--json"}).mOutput);
+    ASSERT_EQ(objects.size(), 2u);
+    for (const json& object : objects)
+    {
+        EXPECT_EQ(object.at("version"), 1);
+        EXPECT_EQ(object.at("passed"), true) << object;
+        EXPECT_EQ(object.count("failure"), 0u);
+    }
+    EXPECT_EQ(objects[0].at("case"), "AudioToolbox/FormatTests/QueryInputFormats");
+    EXPECT_EQ(objects[1].at("case"), "AudioToolbox/FormatTests/QueryOuputFormats");
+    const auto input = objects[0].at("report").get<std::string>();
+    const auto output = objects[1].at("report").get<std::string>();
+    for (const char* line : {"'WAVE'  \t\"", "\n\t'lpcm'\n", "'adts'  \t\"", "\n\t'aac '\n"})
+        EXPECT_NE(input.find(line), std::string::npos) << line << "\n" << input;
+    for (const char* line : {"'WAVE'  \t\"", "\n\t'lpcm'\n", "'adts'  \t\"", "\n\t'aac '  \t\t\"",
+                             "\n\t\t\tCBR:\n", "\n\t\t\tVBR\n"})
+        EXPECT_NE(output.find(line), std::string::npos) << line << "\n" << output;
+    EXPECT_EQ(input.find("CBR"), std::string::npos);
 }
 
 ProgramRun DiagnoseOther(const char* inWish, const std::vector<std::string>& inMore = {})
