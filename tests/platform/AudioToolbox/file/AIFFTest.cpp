@@ -154,6 +154,8 @@ TEST(AIFF, TakesTheLengthOfBlocksInBlocksOrInFrames)
     const Opened frames = Open(AIFCFile("ima4", 2, 600, 16, data));
     EXPECT_EQ(frames.Facts().mPacketTable->mNumberValidFrames, 600);
     EXPECT_EQ(frames.Facts().mPacketTable->mRemainderFrames, 40);
+    const Opened halved = Open(AIFCFile("ima4", 2, 5, 16, data));
+    EXPECT_EQ(halved.Facts().mPacketTable->mNumberValidFrames, 640);
     const Opened lying = Open(AIFCFile("ima4", 2, 70000, 16, data));
     EXPECT_EQ(lying.Facts().mPacketTable->mNumberValidFrames, 640);
 }

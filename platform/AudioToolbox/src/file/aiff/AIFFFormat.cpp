@@ -103,6 +103,16 @@ void CutToFrames(UInt32 inFrames, FileFacts& ioFacts)
     ioFacts.mDataByteCount = std::min(ioFacts.mDataByteCount, told);
 }
 
+// The count of the header, of frames or of blocks; 0 when it tells nothing. Some software divides
+// the blocks by the channels that each of them holds.
+SInt64 FramesOfBlocks(UInt32 inCount, SInt64 inBlocks, const AudioStreamBasicDescription& inFormat)
+{
+    const UInt32 channels = inFormat.mChannelsPerFrame;
+    if (channels > 1 && inCount == inBlocks / channels)
+        return 0;
+    return SInt64{inCount} * (inCount <= inBlocks ? inFormat.mFramesPerPacket : 1);
+}
+
 }  // namespace
 
 double ReadExtended(const UInt8* inBytes)
@@ -144,9 +154,8 @@ void FinishAIFF(UInt32 inFrames, SInt64 inClaimedByteCount, FileFacts& ioFacts)
     {
         const SInt64 blocks = inClaimedByteCount / ioFacts.mDataFormat.mBytesPerPacket;
         const UInt64 held = FramesOfPackets(*ioFacts.mPacketCount, blockFrames);
-        const bool countsBlocks = inFrames <= blocks;
-        const SInt64 told = SInt64{inFrames} * (countsBlocks ? blockFrames : 1);
-        const SInt64 valid = inFrames == 0 ? static_cast<SInt64>(held) : told;
+        const SInt64 told = FramesOfBlocks(inFrames, blocks, ioFacts.mDataFormat);
+        const SInt64 valid = told == 0 ? static_cast<SInt64>(held) : told;
         ioFacts.mPacketTable = MakePacketTable(held, 0, valid);
     }
     CompleteFacts(ioFacts);
