@@ -1,6 +1,8 @@
 #include "host/StoredSettings.h"
 
+#include <algorithm>
 #include <charconv>
+#include <cstdio>
 
 namespace host
 {
@@ -45,6 +47,17 @@ std::string CodeText(std::uint32_t inCode)
         text += static_cast<char>(0x80 | (byte & 0x3F));
     }
     return text;
+}
+
+std::string CodeForPeople(std::uint32_t inCode)
+{
+    std::string text = CodeText(inCode);
+    const auto isShown = [](char inCharacter) { return inCharacter >= ' ' && inCharacter <= '~'; };
+    if (std::all_of(text.begin(), text.end(), isShown))
+        return text;
+    char number[16];
+    std::snprintf(number, sizeof(number), "0x%08X", inCode);
+    return number;
 }
 
 }  // namespace host

@@ -20,6 +20,9 @@ std::int32_t SettingsNumber(std::string_view inSettings, std::string_view inKey,
 /// number; UTF-8. Empty for 0.
 std::string CodeText(std::uint32_t inCode);
 
+/// The same for people: the number in hexadecimal where a character could not be shown.
+std::string CodeForPeople(std::uint32_t inCode);
+
 }  // namespace host
 
 #endif

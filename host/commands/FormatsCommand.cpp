@@ -173,7 +173,8 @@ std::string RatesText(const ATBitrateList& inRates)
 void PrintFormat(UInt32 inTypeID, UInt32 inFormatID, const ATFormatTypeList& inVariants,
                  const Source& inSource)
 {
-    std::printf("      %s  %s\n", CodeText(inFormatID).c_str(), FormatName(inFormatID).c_str());
+    std::printf("      %s  %s\n", CodeForPeople(inFormatID).c_str(),
+                FormatName(inFormatID).c_str());
     if (inVariants.size() > 1)
         for (const auto& variant : inVariants)
             std::printf("            %s\n", Text(variant.mName).c_str());
@@ -191,7 +192,7 @@ void PrintForPeople(const ATFileTypeMap& inTypes, bool inExport, const Source& i
     std::printf("%s\n", inExport ? "Export" : "Import");
     for (const auto& [typeID, type] : inTypes)
     {
-        std::printf("  %s  %-28s %s\n", CodeText(typeID).c_str(), Text(type.mName).c_str(),
+        std::printf("  %s  %-28s %s\n", CodeForPeople(typeID).c_str(), Text(type.mName).c_str(),
                     Joined(type.mExtensionSet).c_str());
         if (inExport)
         {
@@ -201,7 +202,7 @@ void PrintForPeople(const ATFileTypeMap& inTypes, bool inExport, const Source& i
         }
         std::printf("      ");
         for (const auto& [formatID, variants] : type.mFormatTypeMap)
-            std::printf("%s ", CodeText(formatID).c_str());
+            std::printf("%s ", CodeForPeople(formatID).c_str());
         std::printf("\n");
     }
 }

@@ -59,8 +59,8 @@ void PrintForPeople(const std::string& inPath, const AudioInfo& inInfo)
     const auto row = [](const char* inName, const std::string& inText)
     { std::printf("  %-12s %s\n", inName, inText.c_str()); };
     row("Description", inInfo.mDescription);
-    row("Type", CodeText(SettingsCode(inInfo, "AudioFileTypeID")));
-    row("Format", CodeText(SettingsCode(inInfo, "FormatID")));
+    row("Type", CodeForPeople(SettingsCode(inInfo, "AudioFileTypeID")));
+    row("Format", CodeForPeople(SettingsCode(inInfo, "FormatID")));
     row("Rate", std::to_string(inInfo.mSampleRate) + " Hz");
     row("Channels",
         std::to_string(inInfo.ChannelCount()) + " (" + ChannelNames(inInfo.mLabels) + ")");

@@ -65,6 +65,7 @@ int main(int argc, char** argv)
     host::AddInfoCommand(program, common, work);
     host::AddDecodeCommand(program, common, work);
     host::AddDiagnoseCommand(program, common, work);
+    host::AddFormatsCommand(program, common, work);
     host::AddBenchReadCommand(program, common, work);
     AddCommonOptions(program, common);
 

@@ -37,4 +37,12 @@ TEST(CodeTextTest, ShowsEachByteAsACharacter)
               "abc");
 }
 
+TEST(CodeTextTest, PeopleGetANumberForWhatCannotBeShown)
+{
+    EXPECT_EQ(host::CodeForPeople(0x57415645), "WAVE");
+    EXPECT_EQ(host::CodeForPeople(0x6D730011), "0x6D730011");
+    EXPECT_EQ(host::CodeForPeople(0xA9616263), "0xA9616263");
+    EXPECT_EQ(host::CodeForPeople(0), "");
+}
+
 }  // namespace
