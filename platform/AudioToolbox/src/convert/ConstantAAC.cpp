@@ -95,6 +95,7 @@ void FillPacket(std::size_t inByteCount, std::vector<UInt8>& ioPacket)
 void ConstantAAC::Fill(std::vector<UInt8>& ioPacket)
 {
     ++mPackets;
+    mPlainBytes = ioPacket.size();
     const UInt64 due = mPackets * kFramesPerPacket * mBitRate / 8 / mRate;
     if (due > mBytes + ioPacket.size())
         FillPacket(static_cast<std::size_t>(std::min<UInt64>(due - mBytes, mMostBytes)), ioPacket);
@@ -104,8 +105,12 @@ void ConstantAAC::Fill(std::vector<UInt8>& ioPacket)
 
 UInt32 ConstantAAC::Aim() const
 {
-    // A surplus is to be gone after a few packets, but the audio is not to suffer at once.
     const UInt64 usual = UInt64{mBitRate} * kAimPercent / 100;
+    // In silence an encoder that aims high grows ever finer, and floods the first sound after it.
+    const UInt64 plain = UInt64{mPlainBytes} * 8 * mRate / kFramesPerPacket;
+    if (mPackets > 0 && plain < usual / 2)
+        return static_cast<UInt32>(std::max(plain, usual / 32));
+    // A surplus is to be gone after a few packets, but the audio is not to suffer at once.
     const UInt64 back = mSurplus * 8 * mRate / kFramesPerPacket / kPacketsToRecover;
     const UInt64 lowest = usual / 2;
     return static_cast<UInt32>(back < usual - lowest ? usual - back : lowest);

@@ -29,7 +29,7 @@ public:
     void Fill(std::vector<UInt8>& ioPacket);
 
     /// What the encoder does best to aim at for the next packet, bits per second: a little below
-    /// the rate, and lower while earlier packets were too large.
+    /// the rate, lower while earlier packets were too large, and what it takes itself in silence.
     UInt32 Aim() const;
 
 private:
@@ -38,7 +38,8 @@ private:
     UInt32 mMostBytes;  // of a packet
     UInt64 mPackets = 0;
     UInt64 mBytes = 0;
-    UInt64 mSurplus = 0;  // bytes beyond the rate so far
+    UInt64 mPlainBytes = 0;  // of the last packet, before it was filled
+    UInt64 mSurplus = 0;     // bytes beyond the rate so far
 };
 
 }  // namespace audiotoolbox

@@ -43,6 +43,25 @@ TEST(ConstantAAC, SilenceAndMusicFillTheRateAndDecode)
     }
 }
 
+TEST(ConstantAAC, NoiseThatBreaksIntoSilenceDoesNotFloodTheSecond)
+{
+    auto audio = Noise(6 * 44100, 2, 0.8f);
+    for (std::size_t second = 0; second < 6; second += 2)
+        std::fill_n(audio.begin() + static_cast<std::ptrdiff_t>(second * 88200), 88200, 0.0f);
+    const ConverterPtr converter =
+        New(Floats(44100, 2), Destination(kAudioFormatMPEG4AAC, 44100, 2));
+    ASSERT_EQ(Set(converter.get(), kAudioCodecPropertyBitRateControlMode, 0), noErr);
+    Memory input(audio, 2);
+    const Stream stream = EncodeAll(converter.get(), input);
+    for (std::size_t first = 0; first + 43 <= stream.mPackets.size(); ++first)
+    {
+        std::size_t bytes = 0;
+        for (std::size_t i = first; i < first + 43; ++i)
+            bytes += stream.mPackets[i].size();
+        ASSERT_NEAR(static_cast<double>(bytes) * 8 * 44100 / (43 * 1024), 128000, 5120) << first;
+    }
+}
+
 TEST(ConstantAAC, FillingLeavesTheDecodedAudioAsItIs)
 {
     const ConverterPtr converter =
