@@ -182,6 +182,18 @@ def process_rows(table, inputs, programs):
                   lambda: whole(["ffprobe", "-v", "error", "-show_streams", path]))
 
 
+def start_rows(table, inputs, programs):
+    encoders = lambda: whole(["ffmpeg", "-hide_banner", "-encoders"])
+    start = lambda *parts: lambda: sum(line([programs["host"], "start"])[part] for part in parts)
+    table.row("selector 0 / ffmpeg -encoders", 0.10, start("first"), encoders)
+    table.row("loading and selector 0 / ffmpeg -encoders", 0.60,
+              lambda: whole([programs["host"], "start"]), encoders)
+    table.row("second selector 0 / ffmpeg -encoders", 0.01, start("second"), encoders)
+    if not table.only:
+        figures = line([programs["catalogue"]])
+        print(f"GetEncodableBitrates: {figures['kept']:.0f} ns kept, {figures['asked']:.0f} ns asked with a source")
+
+
 def memory_rows(table, inputs, programs):
     peak = lambda *command: lambda: line(list(command))["rss_kb"]
     for name, file, options, channels, rate, _, _ in PCM[:4]:
@@ -211,13 +223,13 @@ def main():
     parser.add_argument("--seconds", type=int, default=300)
     parser.add_argument("--rounds", type=int, default=9)
     parser.add_argument("--only", help="rows whose name holds this expression")
-    parser.add_argument("--parts", default="read,open,process,memory")
+    parser.add_argument("--parts", default="read,open,process,start,memory")
     arguments = parser.parse_args()
 
     program = lambda name: os.path.join(arguments.bin, name)
     programs = {"tarvo": program("tarvo"), "host": program("hostbench"), "libav": program("libavbench"),
-                "sndfile": program("sndfilebench")}
-    parts = {"read": read_rows, "open": open_rows, "process": process_rows, "memory": memory_rows}
+                "sndfile": program("sndfilebench"), "catalogue": program("cataloguebench")}
+    parts = {"read": read_rows, "open": open_rows, "process": process_rows, "start": start_rows, "memory": memory_rows}
     with tempfile.TemporaryDirectory() as folder:
         inputs = Inputs(folder, arguments.seconds)
         table = Table(arguments.rounds, arguments.only)
