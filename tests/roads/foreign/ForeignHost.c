@@ -1,13 +1,14 @@
 /* ForeignHost: a host in C that knows the plug-in by its binary interface alone.
 
-   ForeignHost PLUGIN [-k] [-b FRAMES] FILE...
+   ForeignHost PLUGIN [-i] [-k] [-b FRAMES] FILE...
 
    Opens each file, asks its format, reads it to the end in blocks and closes it; with -k it stays
-   open. Every call that the plug-in makes is a line on standard output, as is each result of an
-   entry call ("= SELECTOR RESULT") and each delivered sample ("CHANNEL FRAME VALUE").
+   open. Each -i asks the plug-in what it is and has. Every call that the plug-in makes is a line on
+   standard output, as is each result of an entry call ("= SELECTOR RESULT") and each delivered
+   sample ("CHANNEL FRAME VALUE"). */
+#include "HostObject.h"
+#include "Introduction.h"
 
-   A host object is a pointer to a table of functions, whose first two places are never called;
-   operation n stands at place n + 1. */
 #include <dlfcn.h>
 #include <inttypes.h>
 #include <stdint.h>
@@ -15,18 +16,9 @@
 #include <stdlib.h>
 #include <string.h>
 
-typedef void (*operation)(void);
-typedef int32_t (*entry_function)(int selector, void* file_handle, void* host_object);
-
 enum
 {
-    max_channels = 16,
-    max_places = 40
-};
-
-struct host_object
-{
-    const operation* table;
+    max_channels = 16
 };
 
 struct error_object
@@ -61,24 +53,6 @@ struct read_object
     int64_t delivered;
     int at_end;
 };
-
-static void print_text(const char* name, const uint16_t* text)
-{
-    printf("%s ", name);
-    for (; *text != 0; ++text)
-        if (*text >= 0x20 && *text < 0x7F)
-            putchar(*text);
-        else
-            printf("\\u%04X", *text);
-    putchar('\n');
-}
-
-static void never_called(void)
-{
-    puts("a place that is not used was called");
-    fflush(stdout);
-    abort();
-}
 
 static void set_error_text(struct error_object* self, const uint16_t* text)
 {
@@ -217,16 +191,12 @@ static operation open_table[max_places];
 static operation format_table[max_places];
 static operation read_table[max_places];
 
-static void put(operation* table, int order, operation function)
-{
-    table[order + 1] = function;
-}
-
 static void fill_tables(void)
 {
-    for (int place = 0; place < max_places; ++place)
-        error_table[place] = open_table[place] = format_table[place] = read_table[place] =
-            &never_called;
+    clear_table(error_table);
+    clear_table(open_table);
+    clear_table(format_table);
+    clear_table(read_table);
 
     put(error_table, 1, (operation)&set_error_text);
 
@@ -253,13 +223,6 @@ static void fill_tables(void)
     put(read_table, 4, (operation)&read_get_size);
     put(read_table, 5, (operation)&read_set_delivered);
     put(read_table, 6, (operation)&read_set_total);
-}
-
-static int32_t call(entry_function entry, int selector, void* handle, void* object)
-{
-    const int32_t result = entry(selector, handle, object);
-    printf("= %d %" PRId32 "\n", selector, result);
-    return result;
 }
 
 /* Native byte order, packed: unsigned bytes, integers of 2 and 3 bytes, floats. */
@@ -354,6 +317,8 @@ int main(int argc, char** argv)
     {
         if (strcmp(argv[index], "-k") == 0)
             keep = 1;
+        else if (strcmp(argv[index], "-i") == 0)
+            ask_for_introduction(entry);
         else if (strcmp(argv[index], "-b") == 0 && index + 1 < argc)
             block_frames = atoll(argv[++index]);
         else

@@ -4,11 +4,13 @@
 
 #include <sys/wait.h>
 
+#include <algorithm>
 #include <array>
 #include <cstdint>
 #include <cstdio>
 #include <filesystem>
 #include <fstream>
+#include <functional>
 #include <sstream>
 #include <string>
 #include <vector>
@@ -107,6 +109,92 @@ struct ForeignHost : testing::Test
 
     std::filesystem::path mFolder;
 };
+
+// Without the word in front.
+Lines Words(const std::string& inLine)
+{
+    std::istringstream words(inLine);
+    Lines found;
+    for (std::string word; words >> word;)
+        found.push_back(word);
+    if (!found.empty())
+        found.erase(found.begin());
+    return found;
+}
+
+// By unsigned bytes, each once.
+bool IsAscending(const Lines& inTexts)
+{
+    return std::adjacent_find(inTexts.begin(), inTexts.end(), std::greater_equal<>()) ==
+           inTexts.end();
+}
+
+bool HasAll(const Lines& inTexts, const Lines& inWanted)
+{
+    return std::all_of(inWanted.begin(), inWanted.end(),
+                       [&](const std::string& inText) {
+        return std::find(inTexts.begin(), inTexts.end(), inText) != inTexts.end();
+    });
+}
+
+Lines Reversed(Lines inTexts)
+{
+    std::reverse(inTexts.begin(), inTexts.end());
+    return inTexts;
+}
+
+TEST_F(ForeignHost, HearsWhatThePlugInIsAndHas)
+{
+    const Outcome run = RunHost("-i");
+    EXPECT_EQ(run.mStatus, 0);
+    ASSERT_EQ(run.mLines.size(), 13u);
+    EXPECT_EQ(Lines(run.mLines.begin(), run.mLines.begin() + 4),
+              (Lines{"SetPluginInterfaceVersion 1 2", "GetHostInterfaceVersion two places",
+                     "SetPluginIdentity 345FFA79-2BDA-42DD-844B-CA7D18FF7A26 "
+                     "Apple Audio Toolbox Tarvo plug-in",
+                     "AddImportFilter Apple Audio Toolbox, -, null"}));
+    EXPECT_EQ(run.mLines[6], "AddExportFilter Apple Audio Toolbox, -, null");
+    EXPECT_EQ(run.mLines[9], "AddExportFilter AAC Audio, 1633973363, null");
+    EXPECT_EQ(run.mLines[12], "= 0 0");
+}
+
+TEST_F(ForeignHost, WalksEveryListOfExtensionsBothWays)
+{
+    const Outcome run = RunHost("-i");
+    const Lines forwards = Of(run, "forwards");
+    const Lines backwards = Of(run, "backwards");
+    ASSERT_EQ(forwards.size(), 3u);
+    ASSERT_EQ(backwards.size(), 3u);
+    for (std::size_t filter = 0; filter < 3; ++filter)
+        EXPECT_EQ(Words(backwards[filter]), Reversed(Words(forwards[filter])));
+
+    Lines imported = Words(forwards[0]);
+    ASSERT_FALSE(imported.empty());
+    EXPECT_EQ(imported.back(), "sdir") << "is no type's and stands behind the others";
+    imported.pop_back();
+    EXPECT_TRUE(IsAscending(imported)) << forwards[0];
+    EXPECT_TRUE(HasAll(imported, {"wav", "aif", "m4a", "mp3", "flac", "caf"})) << forwards[0];
+
+    const Lines exported = Words(forwards[1]);
+    EXPECT_TRUE(IsAscending(exported)) << forwards[1];
+    EXPECT_TRUE(HasAll(exported, {"wav", "aif", "m4a", "mp3", "flac", "caf"})) << forwards[1];
+    EXPECT_FALSE(HasAll(exported, {"sdir"}));
+    EXPECT_TRUE(HasAll(exported, Words(forwards[2]))) << "the AAC filter's are among them";
+    EXPECT_EQ(Words(forwards[2]), (Lines{"aac", "adts"}));
+}
+
+TEST_F(ForeignHost, HearsTheSameAtEachIntroduction)
+{
+    const Outcome run = RunHost("-i " + TenFrames("between.wav") + " -i -k -i");
+    EXPECT_EQ(run.mStatus, 0);
+    EXPECT_EQ(Of(run, "= 0"), (Lines{"= 0 0", "= 0 0", "= 0 0"}));
+    ASSERT_GT(run.mLines.size(), 39u);
+    const Lines first(run.mLines.begin(), run.mLines.begin() + 13);
+    EXPECT_EQ(first.back(), "= 0 0");
+    EXPECT_EQ(Lines(run.mLines.end() - 26, run.mLines.end() - 13), first);
+    EXPECT_EQ(Lines(run.mLines.end() - 13, run.mLines.end()), first);
+    EXPECT_EQ(Of(run, "SetTotalSampleCount"), (Lines{"SetTotalSampleCount 10"}));
+}
 
 TEST_F(ForeignHost, OpensAFileInTheOrderOfTheInterface)
 {
