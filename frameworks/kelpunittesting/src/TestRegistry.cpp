@@ -23,9 +23,9 @@ Entries& GetEntries()
     return sEntries;
 }
 
-Entries::const_iterator Find(const std::string& inName)
+Entries::iterator Find(const std::string& inName)
 {
-    return std::find_if(GetEntries().cbegin(), GetEntries().cend(),
+    return std::find_if(GetEntries().begin(), GetEntries().end(),
                         [&](const Entry& entry) { return entry.mName == inName; });
 }
 
@@ -33,7 +33,9 @@ Entries::const_iterator Find(const std::string& inName)
 
 void TestRegistry::RegisterTest(const std::string& inName, Factory inFactory)
 {
-    if (Find(inName) == GetEntries().cend())
+    if (const auto found = Find(inName); found != GetEntries().end())
+        found->mFactory = inFactory;
+    else
         GetEntries().push_back({inName, inFactory});
 }
 
@@ -48,7 +50,7 @@ std::vector<std::string> TestRegistry::GetNames()
 std::unique_ptr<Test> TestRegistry::CreateTest(const std::string& inName)
 {
     const auto found = Find(inName);
-    return std::unique_ptr<Test>(found == GetEntries().cend() ? nullptr : found->mFactory());
+    return std::unique_ptr<Test>(found == GetEntries().end() ? nullptr : found->mFactory());
 }
 
 }  // namespace kelpunittesting

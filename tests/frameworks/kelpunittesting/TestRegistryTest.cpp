@@ -64,12 +64,15 @@ TEST(TestRegistry, KeepsTheOrderOfRegistration)
     EXPECT_EQ(names[before + 1], "a of order");
 }
 
-TEST(TestRegistry, KeepsTheFirstFactoryOfAName)
+TEST(TestRegistry, TakesTheLastFactoryOfANameInItsPlace)
 {
     TestRegistry::RegisterTest("twice", &MakeFirst);
+    TestRegistry::RegisterTest("behind twice", &MakeFirst);
     TestRegistry::RegisterTest("twice", &MakeSecond);
     EXPECT_EQ(Count("twice"), 1);
-    EXPECT_EQ(TestRegistry::CreateTest("twice")->GetName(), "made by the first");
+    EXPECT_EQ(TestRegistry::GetNames().back(), "behind twice");
+    EXPECT_EQ(TestRegistry::CreateTest("twice")->GetName(), "made by the second");
+    EXPECT_EQ(TestRegistry::CreateTest("behind twice")->GetName(), "made by the first");
 }
 
 TEST(TestRegistry, HasNothingForAnUnknownName)

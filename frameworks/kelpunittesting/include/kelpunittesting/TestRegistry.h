@@ -1,6 +1,7 @@
 // TestRegistry: the suites that the modules of this process have entered, one registry for all.
 //
-// A module that has entered a suite must stay loaded. One thread at a time.
+// A module that has entered a suite must stay loaded for as long as the suite is made and run. One
+// thread at a time.
 #ifndef KELPUNITTESTING_TESTREGISTRY_H
 #define KELPUNITTESTING_TESTREGISTRY_H
 
@@ -20,7 +21,8 @@ public:
     /// Returns a new test, which belongs to the caller.
     using Factory = Test* (*)();
 
-    /// A name that is there already keeps its factory.
+    /// A name that is there already keeps its place and gets the new factory: the old one may be
+    /// gone with a module that has been loaded anew.
     static void RegisterTest(const std::string& inName, Factory inFactory);
 
     /// In the order of registration.
