@@ -127,6 +127,16 @@ TEST_F(EncodableQueries, BitratesForASourceAreAskedOfAConverterFromItAtItsRateAn
               (Calls{"AudioConverterNew 96000 'lpcm' 9 24/1/24/6/32 to 96000 'aac ' 0 0/0/0/6/0"}));
 }
 
+TEST_F(EncodableQueries, BitratesForASourceKeepTheRestOfTheFirstVariant)
+{
+    GetExportableFileTypes();
+    mPlatform.ForgetCalls();
+    GetEncodableBitrates(kWAVE, kPCM, 0, &mSource);
+    EXPECT_EQ(
+        mPlatform.CallsOf("AudioConverterNew"),
+        (Calls{"AudioConverterNew 96000 'lpcm' 9 24/1/24/6/32 to 96000 'lpcm' 12 0/1/0/6/24"}));
+}
+
 TEST_F(EncodableQueries, ARateThatTheEncoderRefusesForASourceStaysInTheCatalogue)
 {
     GetExportableFileTypes();

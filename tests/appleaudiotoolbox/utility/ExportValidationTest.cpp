@@ -132,6 +132,15 @@ TEST_F(ExportValidation, AnySampleRateIsValidInARangeFrom0To0)
     EXPECT_TRUE(IsExportSampleRateValid(kM4A, kAAC, 1e9));
 }
 
+TEST_F(ExportValidation, OnlyBothEndsAt0TakeAnySampleRate)
+{
+    mPlatform.AnswerInTurn(
+        Family::Format, kSampleRates,
+        {Ranges({{0.0, 48000.0}}), Ranges({{96000.0, 0.0}}), Ranges({{0.0, 0.0}})});
+    EXPECT_TRUE(IsExportSampleRateValid(kM4A, kAAC, 96000.0));
+    EXPECT_EQ(mPlatform.CallsOf("AudioFormatGetProperty 'aesr'").size(), 3u);
+}
+
 TEST_F(ExportValidation, ASampleRateIsAskedForUntilTheAnswerTakesIt)
 {
     const PropertyAnswer range = Ranges({{8000.0, 48000.0}});

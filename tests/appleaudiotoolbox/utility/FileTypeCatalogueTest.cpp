@@ -160,6 +160,19 @@ TEST_F(InputCatalogue, KeepsATypeWithoutANameQuestionAsAnEmptyRecord)
     EXPECT_EQ(ImportExtensions(), Texts());
 }
 
+TEST_F(InputCatalogue, AsksTheNameQuestionForEachTypeAnew)
+{
+    HoldTwoTypes();
+    const PropertyAnswer name = PropertyAnswer::Name("Named").Size(8);
+    mPlatform.AnswerInTurn(Family::Global, kAudioFileGlobalInfo_FileTypeName,
+                           {name.InfoFails(-50), name});
+    const ATFileTypeMap types = Input();
+    EXPECT_TRUE(types.at(kWAVE).mName.empty());
+    EXPECT_TRUE(types.at(kWAVE).mFormatTypeMap.empty());
+    EXPECT_EQ(types.at(kM4A).mName, u"Named");
+    EXPECT_EQ(types.at(kM4A).mFormatTypeMap.size(), 1u);
+}
+
 TEST_F(InputCatalogue, KeepsATypeWhoseNameIsLargerThanAReferenceAsAnEmptyRecord)
 {
     HoldTwoTypes();

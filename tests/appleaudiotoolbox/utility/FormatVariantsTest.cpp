@@ -110,6 +110,34 @@ TEST_F(FormatVariants, LoseTheListedChannelsWithoutFormatInfo)
     EXPECT_EQ(OnlyVariant(kAAC).mFormatDescription.mChannelsPerFrame, 0u);
 }
 
+TEST_F(FormatVariants, AreAskedForChannelsAsTheFormatInfoLeftThem)
+{
+    HoldVariants(kAAC, {Variant(kAAC)});
+    const AudioStreamBasicDescription completed = {8000.0, kAAC, 3, 11, 1024, 12, 9, 13, 0};
+    CompleteFormatsTo(completed);
+    std::vector<Bytes> specifiers;
+    mPlatform.AnswerWith(Family::Format, kChannelsProperty,
+                         [&](const Question& question)
+                         {
+        specifiers.push_back(question.mSpecifier);
+        return PropertyAnswer::List(Codes{2});
+    });
+    QueryFormatVariants(kCAF, kAAC, mVariants);
+    const Bytes asked = BytesOf<AudioStreamBasicDescription>({completed});
+    EXPECT_EQ(specifiers, (std::vector<Bytes>{asked, asked}));
+}
+
+TEST_F(FormatVariants, EndWhereTheAnswerEnds)
+{
+    mPlatform.Answer(Family::Global, kVariantsProperty,
+                     PropertyAnswer::List<AudioStreamBasicDescription>(
+                         {Variant(kPCM, 12, 16), Variant(kPCM, 12, 24)})
+                         .Size(130));
+    QueryFormatVariants(kCAF, kPCM, mVariants);
+    ASSERT_EQ(mVariants.size(), 2u);
+    EXPECT_EQ(mVariants[1].mFormatDescription.mBitsPerChannel, 24u);
+}
+
 struct ChannelRow
 {
     Codes mCounts;
