@@ -158,66 +158,79 @@ TEST(EncoderRows, EveryPairOfTypeAndFormatOpensAsAConverter)
     EXPECT_EQ(pairs, 106u);
 }
 
-// More channels than two, and averages, which ask of an encoder what constant rates ask too, are
-// tried where the lists differ.
-bool IsTried(const EncoderRow& inRow, UInt32 inMode, UInt32 inRate, UInt32 inChannels)
+struct BitRateCase
 {
-    const bool isAverage = inMode != kAudioCodecBitRateControlMode_Constant;
-    if (inRow.mFormatID != kAudioFormatMPEG4AAC || (inChannels <= 2 && !isAverage))
-        return true;
-    return inRate == 8000 || inRate == 24000 || (inRate == 48000 && inChannels != 3);
+    const EncoderRow* mRow;
+    UInt32 mMode;
+    UInt32 mRate;
+};
+
+std::string NameOf(const BitRateCase& inCase)
+{
+    return CodeOf(inCase.mRow->mFormatID) + " mode " + std::to_string(inCase.mMode) + " " +
+           std::to_string(inCase.mRate);
 }
 
-/// One second of noise at every listed bit rate of a mode.
-void EncodeEveryBitRate(const EncoderRow& inRow, UInt32 inMode)
+void PrintTo(const BitRateCase& inCase, std::ostream* outText)
 {
-    for (const UInt32 rate : RatesOf(inRow))
-        for (const UInt32 channels : ChannelsOf(inRow))
-        {
-            if (!IsTried(inRow, inMode, rate, channels))
-                continue;
-            const auto rates = audiotoolbox::EncoderBitRates(inRow, inMode, rate, channels);
-            ASSERT_FALSE(rates.empty()) << rate << " " << channels;
-            for (const UInt32 bitRate : rates)
-            {
-                SCOPED_TRACE(CodeOf(inRow.mFormatID) + " mode " + std::to_string(inMode) + " " +
-                             std::to_string(rate) + " " + std::to_string(channels) + " " +
-                             std::to_string(bitRate));
-                const ConverterPtr converter =
-                    New(Floats(rate, channels), Destination(inRow.mFormatID, rate, channels));
-                ASSERT_NE(converter, nullptr);
-                ASSERT_EQ(Set(converter.get(), kAudioCodecPropertyBitRateControlMode, inMode),
-                          noErr);
-                ASSERT_EQ(Set(converter.get(), kAudioConverterEncodeBitRate, bitRate), noErr);
-                for (const UInt32 neighbour : {bitRate - 1, bitRate + 1})
-                    EXPECT_NE(Set(converter.get(), kAudioConverterEncodeBitRate, neighbour), noErr);
-                const Stream stream = EncodeNoise(converter.get(), rate, channels);
-                EXPECT_EQ(stream.mStatus, noErr);
-                const double seconds = static_cast<double>(stream.mPackets.size()) *
-                                       stream.mFormat.mFramesPerPacket / rate;
-                const double told = static_cast<double>(stream.ByteCount()) * 8 / seconds;
-                // A second is too short for an average, and mono noise for the highest ones.
-                const bool isConstant = inMode == kAudioCodecBitRateControlMode_Constant;
-                EXPECT_GE(told / bitRate, isConstant ? 0.96 : 0.6) << told;
-                EXPECT_LE(told / bitRate, isConstant ? 1.04 : 1.25) << told;
-            }
-        }
+    *outText << NameOf(inCase);
 }
 
-TEST(EncoderRows, ConstantBitRatesAreKept)
+std::vector<BitRateCase> BitRateCases()
 {
+    std::vector<BitRateCase> cases;
     for (const EncoderRow& row : AllEncoders())
-        if (audiotoolbox::HasBitRateMode(row, kAudioCodecBitRateControlMode_Constant))
-            EncodeEveryBitRate(row, kAudioCodecBitRateControlMode_Constant);
-}
-
-TEST(EncoderRows, AverageBitRatesAreMet)
-{
-    for (const EncoderRow& row : AllEncoders())
-        for (const UInt32 mode : {kAudioCodecBitRateControlMode_LongTermAverage,
-                                  kAudioCodecBitRateControlMode_VariableConstrained})
+        for (const UInt32 mode :
+             {kAudioCodecBitRateControlMode_Constant, kAudioCodecBitRateControlMode_LongTermAverage,
+              kAudioCodecBitRateControlMode_VariableConstrained})
             if (audiotoolbox::HasBitRateMode(row, mode))
-                EncodeEveryBitRate(row, mode);
+                for (const UInt32 rate : RatesOf(row))
+                    cases.push_back({&row, mode, rate});
+    return cases;
 }
+
+class EncoderBitRatesTest : public testing::TestWithParam<BitRateCase>
+{
+protected:
+    // One second of noise at a listed bit rate; its neighbours are not listed.
+    static void ExpectKept(const BitRateCase& inCase, UInt32 inChannels, UInt32 inBitRate)
+    {
+        SCOPED_TRACE(NameOf(inCase) + " " + std::to_string(inChannels) + " channels " +
+                     std::to_string(inBitRate));
+        const ConverterPtr converter =
+            New(Floats(inCase.mRate, inChannels),
+                Destination(inCase.mRow->mFormatID, inCase.mRate, inChannels));
+        ASSERT_NE(converter, nullptr);
+        ASSERT_EQ(Set(converter.get(), kAudioCodecPropertyBitRateControlMode, inCase.mMode), noErr);
+        ASSERT_EQ(Set(converter.get(), kAudioConverterEncodeBitRate, inBitRate), noErr);
+        for (const UInt32 neighbour : {inBitRate - 1, inBitRate + 1})
+            EXPECT_NE(Set(converter.get(), kAudioConverterEncodeBitRate, neighbour), noErr);
+
+        const Stream stream = EncodeNoise(converter.get(), inCase.mRate, inChannels);
+        EXPECT_EQ(stream.mStatus, noErr);
+        const double seconds = static_cast<double>(stream.mPackets.size()) *
+                               stream.mFormat.mFramesPerPacket / inCase.mRate;
+        const double told = static_cast<double>(stream.ByteCount()) * 8 / seconds;
+        // A second is too short for an average, and mono noise for the highest ones.
+        const bool isConstant = inCase.mMode == kAudioCodecBitRateControlMode_Constant;
+        EXPECT_GE(told / inBitRate, isConstant ? 0.96 : 0.6) << told;
+        EXPECT_LE(told / inBitRate, isConstant ? 1.04 : 1.25) << told;
+    }
+};
+
+TEST_P(EncoderBitRatesTest, EncodesAtEveryListedOne)
+{
+    const BitRateCase& subject = GetParam();
+    for (const UInt32 channels : ChannelsOf(*subject.mRow))
+    {
+        const auto rates =
+            audiotoolbox::EncoderBitRates(*subject.mRow, subject.mMode, subject.mRate, channels);
+        ASSERT_FALSE(rates.empty()) << channels << " channels";
+        for (const UInt32 bitRate : rates)
+            ExpectKept(subject, channels, bitRate);
+    }
+}
+
+INSTANTIATE_TEST_SUITE_P(Encoders, EncoderBitRatesTest, testing::ValuesIn(BitRateCases()));
 
 }  // namespace
