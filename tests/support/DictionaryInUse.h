@@ -21,14 +21,14 @@ class DictionaryInUse
 public:
     explicit DictionaryInUse(const std::string& inLines)
     {
-        char path[] = "/tmp/dictionary-XXXXXX";
-        const int descriptor = mkstemp(path);
+        std::string path = testing::TempDir() + "dictionary-XXXXXX";
+        const int descriptor = mkstemp(path.data());
         EXPECT_GE(descriptor, 0);
         EXPECT_EQ(write(descriptor, inLines.data(), inLines.size()),
                   static_cast<ssize_t>(inLines.size()));
         close(descriptor);
-        EXPECT_TRUE(kelpcore::config::Localizer::Get().LoadDictionary(path));
-        std::remove(path);
+        EXPECT_TRUE(kelpcore::config::Localizer::Get().LoadDictionary(path.c_str()));
+        std::remove(path.c_str());
     }
     ~DictionaryInUse() { kelpcore::config::Localizer::Get().Clear(); }
     DictionaryInUse(const DictionaryInUse&) = delete;

@@ -139,9 +139,8 @@ TEST(Bundle, FindsItsLibrariesByItself)
     EXPECT_NE(dynamic.find("(RUNPATH)            Library runpath: [$ORIGIN/../../..]"),
               std::string::npos)
         << dynamic;
-    for (const char* library :
-         {"libAudioToolbox.so", "libCoreFoundation.so", "libkelpcore.so", "libkelpui.so",
-          "libkelpunittesting.so"})
+    for (const char* library : {"libAudioToolbox.so", "libCoreFoundation.so", "libkelpcore.so",
+                                "libkelpui.so", "libkelpunittesting.so"})
         EXPECT_NE(dynamic.find(std::string("Shared library: [") + library + "]"), std::string::npos)
             << library;
 }
