@@ -71,7 +71,8 @@ Answer ReadableTypes(const Subject&)
 {
     std::vector<UInt32> types;
     for (const FileTypeRow& row : FileTypes())
-        types.push_back(row.mType);
+        if (row.mOpen != nullptr)
+            types.push_back(row.mType);
     return ListOf(types);
 }
 

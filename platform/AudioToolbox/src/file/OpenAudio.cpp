@@ -79,7 +79,7 @@ OSStatus OpenAudio(AudioFileTypeID inHint, ByteSourcePtr& ioSource, PacketReader
     }
     if (row == nullptr)
         row = FindFileType(TypeOfCutStream(*ioSource, start));
-    if (row == nullptr)
+    if (row == nullptr || row->mOpen == nullptr)
         return kAudioFileUnsupportedFileTypeError;
     return row->mOpen(row->mType, ioSource, outReader);
 }

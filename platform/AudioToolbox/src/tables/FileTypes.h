@@ -18,10 +18,10 @@ struct FileTypeRow
     const char* mName;  // for people
     std::span<const char* const> mExtensions;
     std::span<const char* const> mMIMETypes;
-    std::span<const AudioFormatID> mFormats;  // that the type holds and we read
+    std::span<const AudioFormatID> mFormats;  // that the type holds
     bool mAllowsTag;                          // an ID3v2 tag may stand in front
     bool (*mSniff)(std::span<const UInt8> inHead);
-    OpenContainer mOpen;
+    OpenContainer mOpen;  // null: a type that is not read
 };
 
 /// In the order in which types are tried.

@@ -101,6 +101,13 @@ TEST(Sniffing, KnowsNothingElse)
         EXPECT_EQ(TypeOf(head), 0u);
 }
 
+TEST(Opening, RefusesATypeThatIsNotRead)
+{
+    Bytes head = {0x56, 0xE0, 0x20};  // LOAS
+    head.resize(4096);
+    EXPECT_EQ(Open(head).mStatus, kAudioFileUnsupportedFileTypeError);
+}
+
 TEST(Opening, FindsAStreamBehindATagAndUncountedPadding)
 {
     // Layer 3, 128000 bits per second at 44100 Hz: frames of 417 bytes.
