@@ -119,10 +119,10 @@ TEST_F(ConfigFolder, TheSupplierTellsTheFontOfTheUsersFolder)
 TEST(ConfigFolderOfTheUser, IsTheVariableElseBelowHome)
 {
     ::setenv("XDG_CONFIG_HOME", "/config", 1);
-    ::setenv("HOME", "/home/user", 1);
+    ::setenv("HOME", "/people/somebody", 1);
     EXPECT_EQ(kelpui::inkwright::ConfigFolder(), "/config");
     ::unsetenv("XDG_CONFIG_HOME");
-    EXPECT_EQ(kelpui::inkwright::ConfigFolder(), "/home/user/.config");
+    EXPECT_EQ(kelpui::inkwright::ConfigFolder(), "/people/somebody/.config");
     ::unsetenv("HOME");
     EXPECT_EQ(kelpui::inkwright::ConfigFolder(), "");
 }
