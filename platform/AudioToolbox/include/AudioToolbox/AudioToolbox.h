@@ -5,6 +5,7 @@
 #include <AudioToolbox/AudioConverter.h>
 #include <AudioToolbox/AudioFile.h>
 #include <AudioToolbox/AudioFormat.h>
+#include <AudioToolbox/ExtendedAudioFile.h>
 #include <CoreAudio/CoreAudioTypes.h>
 
 #endif
