@@ -1,6 +1,6 @@
 // ChannelOrder: in which order the channels stand in the file, and where each comes from.
-#ifndef AUDIOTOOLBOX_WRITE_CHANNELORDER_H
-#define AUDIOTOOLBOX_WRITE_CHANNELORDER_H
+#ifndef AUDIOTOOLBOX_FILE_WRITE_CHANNELORDER_H
+#define AUDIOTOOLBOX_FILE_WRITE_CHANNELORDER_H
 
 #include <AudioToolbox/AudioFile.h>
 

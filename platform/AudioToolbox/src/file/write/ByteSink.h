@@ -3,8 +3,8 @@
 // Bytes are appended; headers that are known only at the end are patched in place. Positions and
 // sizes are bytes. Every failure of the system shows as a status at the call that meets it, or at
 // Close at the latest.
-#ifndef AUDIOTOOLBOX_WRITE_BYTESINK_H
-#define AUDIOTOOLBOX_WRITE_BYTESINK_H
+#ifndef AUDIOTOOLBOX_FILE_WRITE_BYTESINK_H
+#define AUDIOTOOLBOX_FILE_WRITE_BYTESINK_H
 
 #include <AudioToolbox/AudioFile.h>
 

@@ -3,10 +3,10 @@
 // The life of one: made for a request, before the file exists; Start with the sink, once; Write,
 // any number of times; Finish, once, after which the file is whole. A writer holds no audio back
 // beyond what its container makes it hold.
-#ifndef AUDIOTOOLBOX_WRITE_PACKETWRITER_H
-#define AUDIOTOOLBOX_WRITE_PACKETWRITER_H
+#ifndef AUDIOTOOLBOX_FILE_WRITE_PACKETWRITER_H
+#define AUDIOTOOLBOX_FILE_WRITE_PACKETWRITER_H
 
-#include "write/ByteSink.h"
+#include "file/write/ByteSink.h"
 
 #include <memory>
 #include <span>
