@@ -67,6 +67,28 @@ public:
     /// place, for a stream format that is not plausible.
     bool InitializeFromSerialized(const UTF16String& inText);
 
+    // Wishes of the user, or of the audio to be saved. Each reshapes the record as far as the
+    // platform's encoders go and answers false for a refusal. The format comes first, as the rest
+    // is asked about the format that the record has; the bit depth brings rate and channels along.
+
+    /// Stores the rate; the platform's list of rates refuses none in the end. A list of no bytes
+    /// leaves the stored rate. False, with nothing changed, for less than 1 Hz and for NaN.
+    bool TrySampleRate(double inRate);
+    /// The format with its platform details, in the record's rate and channels as far as the
+    /// encoder takes them. False, with nothing changed, where the platform has no details, and for
+    /// linear PCM in a file type that is not known for it.
+    bool TryFormatID(UInt32 inFormatID);
+    /// Stores the count, moved into the encoder's smallest to largest. The byte counts stay. False,
+    /// with nothing changed, where the platform does not tell.
+    bool TryChannelsPerFrame(UInt32 inCount);
+    /// For linear PCM, the first variant of the file type with that depth, in the record's channels
+    /// and whole-hertz rate; without such a variant the byte counts alone become those of inBits.
+    /// For other formats, and file types without variants, true with nothing changed. After false
+    /// the variant may be in place, and the byte counts are not.
+    bool TryBitsPerChannel(UInt32 inBits);
+    /// Whether the record as it stands can be encoded.
+    bool IsValidForEncode() const;
+
     /// All but linear PCM and Apple Lossless.
     bool IsFormatLossy() const;
 
