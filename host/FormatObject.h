@@ -12,7 +12,7 @@ namespace host
 {
 
 /// Holds what it is told and answers it back. Channels beyond the count have label 0 and cannot be
-/// told one.
+/// told one. inError is where failure text goes; null where nobody asks for it.
 class FormatObject : public TarvoFormatInterface
 {
 public:
@@ -30,7 +30,7 @@ public:
     void SetChannelCount(std::int32_t inCount) override;
     tarvo::AudioChannelLabel GetChannelLabel(std::int64_t inChannel) const override;
     void SetChannelLabel(std::int64_t inChannel, tarvo::AudioChannelLabel inLabel) override;
-    const uint16* GetFilterId() const override { return u""; }
+    const uint16* GetFilterId() const override { return mFilterId.c_str(); }
     const uint16* GetPrivateSettings() const override { return mSettings.c_str(); }
     void SetPrivateSettings(const uint16* inText) override { mSettings = inText; }
     void SetMimeType(const char* inType) override { mMimeType = inType; }
@@ -44,6 +44,7 @@ public:
     std::int32_t mSampleRate = 0;
     std::int32_t mSampleType = 0;
     std::vector<std::uint32_t> mLabels;  // one a channel
+    std::u16string mFilterId;            // told at registration; empty: none
     std::u16string mSettings;
     std::string mMimeType;
     std::uint32_t mXmpType = 0;

@@ -6,6 +6,7 @@
 #include "kelpcore/utility/StringConversion.h"
 
 #include <string>
+#include <string_view>
 
 namespace host
 {
@@ -14,6 +15,13 @@ namespace host
 inline std::string FromPlugIn(const uint16* inText)
 {
     const UTF8String text = kelpcore::utility::UTF16to8(inText);
+    return {text.data(), text.size()};
+}
+
+/// For the plug-in, from UTF-8; whatever is none becomes U+FFFD.
+inline std::u16string ToPlugIn(std::string_view inText)
+{
+    const UTF16String text = kelpcore::utility::UTF8to16(inText);
     return {text.data(), text.size()};
 }
 
