@@ -1,0 +1,287 @@
+// The sink of bytes that is a file: small appends are gathered, large ones go straight through.
+//
+// What is held always lies behind what is written. After a failed write nothing is held any more,
+// so that Size is what the file has.
+
+#include "file/write/ByteSink.h"
+
+#include <algorithm>
+#include <cerrno>
+#include <csignal>
+#include <cstring>
+#include <ctime>
+#include <utility>
+#include <vector>
+
+#include <fcntl.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+namespace audiotoolbox
+{
+namespace
+{
+
+constexpr std::size_t kHeldBytes = 64 * 1024;
+
+// Keeps the signal of the file size limit from this thread, since it would end a process that
+// left it alone. The limit shows as EFBIG all the same. A signal that was waiting before stays.
+class SizeLimitSignalHeld
+{
+public:
+    SizeLimitSignalHeld()
+    {
+        sigemptyset(&mSignal);
+        sigaddset(&mSignal, SIGXFSZ);
+        sigset_t pending;
+        sigemptyset(&pending);
+        (void)::sigpending(&pending);
+        mWasPending = sigismember(&pending, SIGXFSZ) == 1;
+        mIsHeld = ::pthread_sigmask(SIG_BLOCK, &mSignal, &mBefore) == 0;
+    }
+    SizeLimitSignalHeld(const SizeLimitSignalHeld&) = delete;
+    SizeLimitSignalHeld& operator=(const SizeLimitSignalHeld&) = delete;
+    ~SizeLimitSignalHeld()
+    {
+        const int error = errno;
+        if (mIsHeld)
+        {
+            if (mHasMetLimit && !mWasPending)
+                TakeSignal();
+            (void)::pthread_sigmask(SIG_SETMASK, &mBefore, nullptr);
+        }
+        errno = error;
+    }
+
+    void NoteLimit() { mHasMetLimit = true; }
+
+private:
+    void TakeSignal()
+    {
+        const timespec noTime = {};
+        while (::sigtimedwait(&mSignal, nullptr, &noTime) < 0 && errno == EINTR)
+        {
+        }
+    }
+
+    sigset_t mSignal;
+    sigset_t mBefore;
+    bool mWasPending = false;
+    bool mIsHeld = false;
+    bool mHasMetLimit = false;
+};
+
+OSStatus StatusOfWriting(int inError)
+{
+    switch (inError)
+    {
+        case ENOSPC:
+        case EDQUOT:
+        case EFBIG:
+            return kAudio_DiskFullError;
+        case ENOMEM:
+            return kAudio_MemFullError;
+        default:
+            return kAudio_IOError;
+    }
+}
+
+OSStatus StatusOfCreating(int inError)
+{
+    switch (inError)
+    {
+        case ENOENT:
+        case ENOTDIR:
+        case ENAMETOOLONG:
+        case ELOOP:
+            return kAudio_FileNotFoundError;
+        case EACCES:
+        case EPERM:
+        case EROFS:
+        case EEXIST:
+        case EISDIR:
+        case ENXIO:  // a socket, or a pipe without a reader
+        case ENODEV:
+        case ETXTBSY:
+            return kAudioFilePermissionsError;
+        default:
+            return StatusOfWriting(inError);
+    }
+}
+
+class FileSink : public ByteSink
+{
+public:
+    FileSink(int inDescriptor, bool inIsRegular)
+        : mDescriptor(inDescriptor), mIsRegular(inIsRegular)
+    {
+    }
+    FileSink(const FileSink&) = delete;
+    FileSink& operator=(const FileSink&) = delete;
+    ~FileSink() override
+    {
+        if (mDescriptor >= 0)
+            (void)Close();  // nobody is left to tell
+    }
+
+    OSStatus Append(std::span<const UInt8> inBytes) override
+    {
+        if (mDescriptor < 0)
+            return kAudioFileNotOpenError;
+        if (inBytes.size() < kHeldBytes - mHeldCount)
+        {
+            Hold(inBytes);
+            return noErr;
+        }
+        if (const OSStatus status = Flush(); status != noErr)
+            return status;
+        if (inBytes.size() >= kHeldBytes)
+            return WriteOut(inBytes);
+        Hold(inBytes);
+        return noErr;
+    }
+
+    OSStatus Patch(SInt64 inPosition, std::span<const UInt8> inBytes) override
+    {
+        if (mDescriptor < 0)
+            return kAudioFileNotOpenError;
+        const auto count = static_cast<SInt64>(inBytes.size());
+        if (inPosition < 0 || count > Size() || inPosition > Size() - count)
+            return kAudioFilePositionError;
+        const SInt64 inFile = std::clamp<SInt64>(mWritten - inPosition, 0, count);
+        const auto first = static_cast<std::size_t>(inFile);
+        if (first < inBytes.size())
+            std::copy(inBytes.begin() + inFile, inBytes.end(),
+                      mHeld.begin() + (inPosition + inFile - mWritten));
+        std::size_t done = 0;
+        return WriteAt(inPosition, inBytes.first(first), done);
+    }
+
+    SInt64 Size() const override { return mWritten + static_cast<SInt64>(mHeldCount); }
+
+    OSStatus Truncate(SInt64 inSize) override
+    {
+        if (mDescriptor < 0)
+            return kAudioFileNotOpenError;
+        if (inSize < 0 || inSize > Size())
+            return kAudioFilePositionError;
+        mHeldCount = static_cast<std::size_t>(std::max<SInt64>(inSize - mWritten, 0));
+        if (inSize >= mWritten)
+            return noErr;
+        mWritten = inSize;
+        return CutFile();
+    }
+
+    OSStatus Close() override
+    {
+        if (mDescriptor < 0)
+            return kAudioFileNotOpenError;
+        const OSStatus flushed = Flush();
+        // Of the descriptor nothing is left, whatever the answer.
+        const bool isClosed = ::close(std::exchange(mDescriptor, -1)) == 0;
+        if (flushed != noErr)
+            return flushed;
+        return isClosed ? OSStatus{noErr} : StatusOfWriting(errno);
+    }
+
+private:
+    void Hold(std::span<const UInt8> inBytes)
+    {
+        if (inBytes.empty())
+            return;
+        if (mHeld.empty())
+            mHeld.resize(kHeldBytes);
+        std::memcpy(mHeld.data() + mHeldCount, inBytes.data(), inBytes.size());
+        mHeldCount += inBytes.size();
+    }
+
+    OSStatus Flush()
+    {
+        const std::size_t count = std::exchange(mHeldCount, 0);
+        return WriteOut(std::span<const UInt8>(mHeld).first(count));
+    }
+
+    OSStatus WriteOut(std::span<const UInt8> inBytes)
+    {
+        std::size_t done = 0;
+        const OSStatus status = WriteAt(mWritten, inBytes, done);
+        mWritten += static_cast<SInt64>(done);
+        return status;
+    }
+
+    OSStatus WriteAt(SInt64 inPosition, std::span<const UInt8> inBytes, std::size_t& outDone) const
+    {
+        outDone = 0;
+        if (inBytes.empty())
+            return noErr;
+        SizeLimitSignalHeld held;
+        while (outDone < inBytes.size())
+        {
+            const ssize_t count =
+                ::pwrite(mDescriptor, inBytes.data() + outDone, inBytes.size() - outDone,
+                         inPosition + static_cast<SInt64>(outDone));
+            if (count > 0)
+                outDone += static_cast<std::size_t>(count);
+            else if (count == 0)
+                return kAudio_IOError;  // a device that takes nothing would be asked for ever
+            else if (errno != EINTR)
+            {
+                if (errno == EFBIG)
+                    held.NoteLimit();
+                return StatusOfWriting(errno);
+            }
+        }
+        return noErr;
+    }
+
+    OSStatus CutFile() const
+    {
+        if (!mIsRegular)
+            return noErr;
+        while (::ftruncate(mDescriptor, mWritten) != 0)
+            if (errno != EINTR)
+                return StatusOfWriting(errno);
+        return noErr;
+    }
+
+    int mDescriptor;
+    const bool mIsRegular;
+    SInt64 mWritten = 0;         // bytes that are in the file
+    std::vector<UInt8> mHeld;    // empty until something is held, then kHeldBytes
+    std::size_t mHeldCount = 0;  // of them, behind what is written
+};
+
+int OpenForWriting(const char* inPath, bool inReplaces)
+{
+    constexpr int kFlags = O_WRONLY | O_CREAT | O_CLOEXEC | O_NONBLOCK | O_NOCTTY;
+    int descriptor = -1;
+    do
+        descriptor = ::open(inPath, inReplaces ? kFlags : kFlags | O_EXCL, 0666);
+    while (descriptor < 0 && errno == EINTR);
+    return descriptor;
+}
+
+}  // namespace
+
+OSStatus CreateFileSink(const char* inPath, bool inReplaces, ByteSinkPtr& outSink)
+{
+    const int descriptor = OpenForWriting(inPath, inReplaces);
+    if (descriptor < 0)
+        return StatusOfCreating(errno);
+
+    struct stat state = {};
+    const bool isKnown = ::fstat(descriptor, &state) == 0;
+    const bool isRegular = isKnown && S_ISREG(state.st_mode);
+    auto sink = std::make_unique<FileSink>(descriptor, isRegular);
+    if (!isKnown)
+        return kAudio_IOError;
+    if (!isRegular && !S_ISCHR(state.st_mode))
+        return kAudioFilePermissionsError;
+    // Only now is it known to be a thing that may be emptied.
+    if (isRegular && ::ftruncate(descriptor, 0) != 0)
+        return StatusOfCreating(errno);
+    outSink = std::move(sink);
+    return noErr;
+}
+
+}  // namespace audiotoolbox
