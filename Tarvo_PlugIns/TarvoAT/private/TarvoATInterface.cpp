@@ -14,16 +14,6 @@ std::int32_t TarvoATInterface::Initialize()
     return kTarvoResultSuccess;
 }
 
-std::int32_t TarvoATInterface::GetDefaultExportSettings(TarvoFormatInterface&)
-{
-    return kTarvoResultNotImplemented;
-}
-
-std::int32_t TarvoATInterface::GetExportSettingsInfo(TarvoGetExportSettingsInfoInterface&)
-{
-    return kTarvoResultNotImplemented;
-}
-
 std::int32_t TarvoATInterface::RunExportSettingsDialog(TarvoFormatInterface&, void*, long long,
                                                        bool&)
 {

@@ -2,10 +2,10 @@
 #include "Tarvo_PlugIns/TarvoAT/private/TarvoATInterface.h"
 
 #include "Tarvo_PlugIns/Common/SDKGlue/TarvoSDKGlueUtilities.h"
+#include "Tarvo_PlugIns/TarvoAT/private/HostFormatDescription.h"
 #include "Tarvo_PlugIns/TarvoAT/private/RoundedNumbers.h"
 #include "Tarvo_PlugIns/TarvoAT/private/TarvoATPrivateSettings.h"
 
-#include <kelpcore/config/Localizer.h>
 #include <kelpcore/utility/ReplaceInString.h>
 #include <kelpcore/utility/SmallBlockAllocator.h>
 
@@ -20,7 +20,6 @@ namespace
 using appleaudiotoolbox::ATReader;
 using appleaudiotoolbox::ExtendedErrorInfo;
 
-constexpr char kFormatATEmpty[] = "$$$/TarvoPlugIns/TarvoAT/FormatATEmpty=Apple Audio Toolbox";
 constexpr char kGeneralOpen[] =
     "$$$/TarvoPlugIns/TarvoAT/GeneralOpen="
     "General error attempting to open file using TarvoAT plug-in.";
@@ -32,12 +31,6 @@ constexpr char kGeneralRead[] =
 constexpr std::int32_t kFormatFlagWithoutWidth = 4;
 
 using ChannelBuffers = std::vector<char*, kelpcore::utility::SmallBlockAllocator<char*>>;
-
-// The host never gets an empty description.
-UTF16String GetFormatDescription(const UTF16String& inText)
-{
-    return inText.empty() ? kelpcore::config::Localizer::Get().Translate(kFormatATEmpty) : inText;
-}
 
 // The reader's lines as one line.
 UTF16String DescriptionInOneLine(const ATReader& inReader)
