@@ -12,8 +12,20 @@ namespace
 
 ScriptedPlatform* sCurrent = nullptr;
 
+// The next of a list of statuses, 0 behind its end.
+OSStatus TakeStatus(std::deque<OSStatus>& ioStatuses)
+{
+    if (ioStatuses.empty())
+        return noErr;
+    const OSStatus status = ioStatuses.front();
+    ioStatuses.pop_front();
+    return status;
+}
+
 OSStatus UnknownProperty(Family inFamily)
 {
+    if (inFamily == Family::ExtFile)
+        return kExtAudioFileError_InvalidProperty;
     const bool isFile = inFamily == Family::File || inFamily == Family::Global;
     return isFile ? kAudioFileUnsupportedPropertyError : kAudioConverterErr_PropertyNotSupported;
 }
@@ -278,6 +290,63 @@ void PlatformCalls::DeliverAudio(AudioConverterRef inConverter, UInt32* ioPacket
     mPlatform.mAudioPosition += bytes;
     *ioPackets = static_cast<UInt32>(frames);
     ioBuffer.mDataByteSize = static_cast<UInt32>(bytes);
+}
+
+OSStatus PlatformCalls::CreateExtFile(const AudioStreamBasicDescription& inFormat,
+                                      ExtAudioFileRef* outFile)
+{
+    Expect(outFile != nullptr, "creating without a place for the file");
+    const OSStatus status = Outcome(mPlatform.mCreationStatus);
+    if (!outFile || (status != noErr && !mPlatform.mFailedCreationLeavesFile))
+        return status;
+    mPlatform.mLastHandle += 16;
+    const auto converter = reinterpret_cast<AudioConverterRef>(mPlatform.mLastHandle);
+    mPlatform.mConverters[converter] = {{}, inFormat};
+    mPlatform.mLastHandle += 16;
+    *outFile = reinterpret_cast<ExtAudioFileRef>(mPlatform.mLastHandle);
+    mPlatform.mExtFiles[*outFile] = converter;
+    return status;
+}
+
+void PlatformCalls::ExpectExtFile(ExtAudioFileRef inFile)
+{
+    Expect(mPlatform.mExtFiles.count(inFile) > 0, "a file that is not there to be written");
+}
+
+PropertyAnswer PlatformCalls::AskExtFile(ExtAudioFileRef inFile, UInt32 inProperty,
+                                         Question::Kind inKind, const Bytes& inData)
+{
+    ExpectExtFile(inFile);
+    const bool isScripted = mPlatform.mAnswerers.count({Family::ExtFile, inProperty}) > 0;
+    const auto file = mPlatform.mExtFiles.find(inFile);
+    if (inProperty == kExtAudioFileProperty_AudioConverter && !isScripted &&
+        file != mPlatform.mExtFiles.end())
+        return PropertyAnswer::Value(file->second);
+    return Ask(Family::ExtFile, inProperty, inKind, {}, inData);
+}
+
+OSStatus PlatformCalls::WriteExtFile(UInt32 inFrames, const AudioBufferList& inData)
+{
+    const AudioBuffer& buffer = inData.mBuffers[0];
+    const auto* data = static_cast<const UInt8*>(buffer.mData);
+    const bool isCopied = data && buffer.mDataByteSize <= ScriptedPlatform::kMostCopied;
+    mPlatform.mWritten.push_back({inFrames, inData.mNumberBuffers, buffer.mNumberChannels,
+                                  buffer.mData,
+                                  isCopied ? Bytes(data, data + buffer.mDataByteSize) : Bytes()});
+    return Outcome(TakeStatus(mPlatform.mWriteStatuses));
+}
+
+OSStatus PlatformCalls::DisposeExtFile(ExtAudioFileRef inFile)
+{
+    ExpectExtFile(inFile);
+    if (const auto file = mPlatform.mExtFiles.find(inFile); file != mPlatform.mExtFiles.end())
+    {
+        // The converter is the file's own; whoever took it to be theirs has disposed of it.
+        ExpectConverter(file->second);
+        mPlatform.mConverters.erase(file->second);
+        mPlatform.mExtFiles.erase(file);
+    }
+    return Outcome(TakeStatus(mPlatform.mDisposalStatuses));
 }
 
 }  // namespace testing_support

@@ -47,6 +47,14 @@ public:
     OSStatus Fill(AudioConverterRef inConverter, AudioConverterComplexInputDataProc inProc,
                   void* inUser, UInt32* ioPackets, AudioBufferList* ioData);
 
+    OSStatus CreateExtFile(const AudioStreamBasicDescription& inFormat, ExtAudioFileRef* outFile);
+    void ExpectExtFile(ExtAudioFileRef inFile);
+    /// The answer to a question for a file that is written: its converter, unless it is scripted.
+    PropertyAnswer AskExtFile(ExtAudioFileRef inFile, UInt32 inProperty, Question::Kind inKind,
+                              const Bytes& inData = {});
+    OSStatus WriteExtFile(UInt32 inFrames, const AudioBufferList& inData);
+    OSStatus DisposeExtFile(ExtAudioFileRef inFile);
+
 private:
     explicit PlatformCalls(ScriptedPlatform& inPlatform) : mPlatform(inPlatform) { Cross(true); }
 

@@ -1,8 +1,9 @@
 // The C functions of the platform, each a note of the call and a word to the script.
 #include "tests/support/PlatformCalls.h"
 
-#include <sstream>
+#include <cstddef>
 #include <iomanip>
+#include <sstream>
 
 using testing_support::Bytes;
 using testing_support::Family;
@@ -64,6 +65,17 @@ Bytes Copy(UInt32 inSize, const void* inData)
     return data ? Bytes(data, data + inSize) : Bytes();
 }
 
+// Every byte of a layout, as many as it has descriptions for.
+std::string LayoutText(const AudioChannelLayout* inLayout)
+{
+    if (!inLayout)
+        return "null";
+    const std::size_t bytes =
+        offsetof(AudioChannelLayout, mChannelDescriptions) +
+        inLayout->mNumberChannelDescriptions * sizeof(AudioChannelDescription);
+    return Hex(Copy(static_cast<UInt32>(bytes), inLayout)).substr(1);
+}
+
 // The name of a format has a specifier that its size query must not read, whatever its size says.
 bool MayRead(UInt32 inProperty, bool inIsSizeQuery)
 {
@@ -80,6 +92,14 @@ std::string SpecifierText(UInt32 inSize, const void* inSpecifier)
     UInt32 code = 0;
     std::memcpy(&code, inSpecifier, sizeof(code));
     return size + " " + CodeOrZero(code);
+}
+
+std::string Path(CFURLRef inURL)
+{
+    char path[4096] = "";
+    if (inURL)
+        CFURLGetFileSystemRepresentation(inURL, true, reinterpret_cast<UInt8*>(path), sizeof(path));
+    return path;
 }
 
 std::string Called(const char* inFunction, UInt32 inProperty)
@@ -121,10 +141,8 @@ OSStatus AudioFileOpenURL(CFURLRef url, SInt8 permissions, AudioFileTypeID hint,
                           AudioFileID* outFile)
 {
     PlatformCalls calls = PlatformCalls::Current();
-    char path[4096] = "";
-    if (url)
-        CFURLGetFileSystemRepresentation(url, true, reinterpret_cast<UInt8*>(path), sizeof(path));
-    calls.Note("AudioFileOpenURL \"" + std::string(path) + "\" permissions " +
+    const std::string path = Path(url);
+    calls.Note("AudioFileOpenURL \"" + path + "\" permissions " +
                std::to_string(permissions) + " hint " + CodeOrZero(hint));
     calls.SetOpened(path, nullptr);
     return calls.OpenFile(outFile);
@@ -294,6 +312,58 @@ OSStatus AudioConverterFillComplexBuffer(AudioConverterRef converter,
     calls.ExpectConverter(converter);
     calls.Expect(outData->mNumberBuffers == 1, "a fill of more buffers than one");
     return calls.Fill(converter, inputProc, userData, ioPackets, outData);
+}
+
+OSStatus ExtAudioFileCreateWithURL(CFURLRef url, AudioFileTypeID type,
+                                   const AudioStreamBasicDescription* format,
+                                   const AudioChannelLayout* layout, UInt32 flags,
+                                   ExtAudioFileRef* outFile)
+{
+    PlatformCalls calls = PlatformCalls::Current();
+    const std::string path = Path(url);
+    calls.Note("ExtAudioFileCreateWithURL \"" + path + "\" " + CodeOrZero(type) + " format " +
+               Text(*format) + " layout: " + LayoutText(layout) + " flags " +
+               std::to_string(flags));
+    calls.SetOpened(path, nullptr);
+    return calls.CreateExtFile(*format, outFile);
+}
+
+OSStatus ExtAudioFileSetProperty(ExtAudioFileRef file, ExtAudioFilePropertyID property, UInt32 size,
+                                 const void* data)
+{
+    PlatformCalls calls = PlatformCalls::Current();
+    const Bytes value = Copy(size, data);
+    calls.Note(Called("ExtAudioFileSetProperty", property) + " size " + std::to_string(size) + ":" +
+               Hex(value));
+    return calls.Outcome(
+        calls.AskExtFile(file, property, Question::Kind::Set, value).mSetStatus);
+}
+
+OSStatus ExtAudioFileGetProperty(ExtAudioFileRef file, ExtAudioFilePropertyID property,
+                                 UInt32* ioSize, void* outData)
+{
+    PlatformCalls calls = PlatformCalls::Current();
+    calls.Note(Called("ExtAudioFileGetProperty", property) + " size " + ValueOrNull(ioSize));
+    return calls.TellValue(calls.AskExtFile(file, property, Question::Kind::Get), ioSize, outData);
+}
+
+OSStatus ExtAudioFileWrite(ExtAudioFileRef file, UInt32 frames, const AudioBufferList* data)
+{
+    PlatformCalls calls = PlatformCalls::Current();
+    const AudioBuffer& buffer = data->mBuffers[0];
+    calls.Note("ExtAudioFileWrite frames " + std::to_string(frames) + " buffers " +
+               std::to_string(data->mNumberBuffers) + " channels " +
+               std::to_string(buffer.mNumberChannels) + " bytes " +
+               std::to_string(buffer.mDataByteSize));
+    calls.ExpectExtFile(file);
+    return calls.WriteExtFile(frames, *data);
+}
+
+OSStatus ExtAudioFileDispose(ExtAudioFileRef file)
+{
+    PlatformCalls calls = PlatformCalls::Current();
+    calls.Note("ExtAudioFileDispose");
+    return calls.DisposeExtFile(file);
 }
 
 }  // extern "C"

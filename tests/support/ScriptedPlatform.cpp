@@ -47,6 +47,8 @@ ScriptedPlatform::ScriptedPlatform()
     AnswerWith(Family::Converter, kAudioConverterCurrentOutputStreamDescription,
                [](const Question& question)
                { return PropertyAnswer::Value(question.mDestination); });
+    Answer(Family::ExtFile, kExtAudioFileProperty_ClientDataFormat, PropertyAnswer());
+    Answer(Family::ExtFile, kExtAudioFileProperty_ConverterConfig, PropertyAnswer());
 }
 
 ScriptedPlatform::~ScriptedPlatform()
@@ -121,6 +123,22 @@ void ScriptedPlatform::FailCall(int inCall, OSStatus inStatus)
 bool ScriptedPlatform::ReachedFailingCall() const
 {
     return mFailingCall > 0 && mFallibleCalls >= mFailingCall;
+}
+
+void ScriptedPlatform::FailCreation(OSStatus inStatus, bool inLeavesFile)
+{
+    mCreationStatus = inStatus;
+    mFailedCreationLeavesFile = inLeavesFile;
+}
+
+void ScriptedPlatform::AnswerWrites(const std::vector<OSStatus>& inStatuses)
+{
+    mWriteStatuses.assign(inStatuses.begin(), inStatuses.end());
+}
+
+void ScriptedPlatform::AnswerDisposals(const std::vector<OSStatus>& inStatuses)
+{
+    mDisposalStatuses.assign(inStatuses.begin(), inStatuses.end());
 }
 
 void ScriptedPlatform::ReadPackets(const std::vector<PacketRead>& inReads)

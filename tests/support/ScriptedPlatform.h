@@ -1,10 +1,13 @@
 // ScriptedPlatform: the platform's audio calls as a test wants them, in place of the real ones.
 //
-// It defines the C functions of AudioFile, AudioFormat and AudioConverter. While an object of this
-// class lives, they write down what they are called with and answer by its script. Where nothing is
-// scripted, opening and making converters succeeds, a property is unknown (kAudioFile... 'pty?' for
-// a file and for global questions, 'prop' for formats and converters), a file has no packets, and a
-// fill delivers no frames. One object at a time.
+// It defines the C functions of AudioFile, AudioFormat, AudioConverter and ExtAudioFile. While an
+// object of this class lives, they write down what they are called with and answer by its script.
+// Where nothing is scripted, opening, creating and making converters succeeds, a property is
+// unknown (kAudioFile... 'pty?' for a file and for global questions, 'prop' for formats and
+// converters, -66561 for a file that is written), a file has no packets, a fill delivers no frames,
+// and whatever is written is taken. A file that is written knows its client format, its
+// configuration and its converter, which is one of those below from the creation on. One object at
+// a time.
 //
 //     ScriptedPlatform platform;
 //     platform.HoldFile(kAudioFileWAVEType, StereoFormat());
@@ -26,10 +29,11 @@ namespace testing_support
 
 enum class Family
 {
-    File,      // AudioFileGetProperty...
-    Global,    // AudioFileGetGlobalInfo...
-    Format,    // AudioFormatGetProperty...
-    Converter  // AudioConverter...Property...
+    File,       // AudioFileGetProperty...
+    Global,     // AudioFileGetGlobalInfo...
+    Format,     // AudioFormatGetProperty...
+    Converter,  // AudioConverter...Property...
+    ExtFile     // ExtAudioFile...Property
 };
 
 /// Who asks what, for answers that depend on it.
@@ -113,9 +117,22 @@ struct PulledInput
     const AudioStreamPacketDescription* mDescriptions;
 };
 
+/// One ExtAudioFileWrite.
+struct WrittenBlock
+{
+    UInt32 mFrames;
+    UInt32 mBuffers;
+    UInt32 mChannels;
+    const void* mData;
+    Bytes mBytes;  // a copy, up to ScriptedPlatform::kMostCopied bytes
+};
+
 class ScriptedPlatform
 {
 public:
+    /// Larger blocks are only looked at from outside.
+    static constexpr UInt32 kMostCopied = 0x1000000;
+
     ScriptedPlatform();
     ~ScriptedPlatform();
     ScriptedPlatform(const ScriptedPlatform&) = delete;
@@ -156,6 +173,15 @@ public:
     /// Whether that call has come.
     bool ReachedFailingCall() const;
 
+    // Files that are written ----------------------------------------------------------------------
+
+    /// A failing creation hands over a file only if it leaves one.
+    void FailCreation(OSStatus inStatus, bool inLeavesFile = false);
+    /// The statuses of the next writes; those behind them succeed.
+    void AnswerWrites(const std::vector<OSStatus>& inStatuses);
+    /// The statuses of the next disposals, which close the file all the same.
+    void AnswerDisposals(const std::vector<OSStatus>& inStatuses);
+
     // Audio --------------------------------------------------------------------------------------
 
     /// Reads of packets, one after the other; behind them the file is at its end.
@@ -192,19 +218,27 @@ public:
     ///   AudioConverterFillComplexBuffer packets 100 channels 2 bytes 400 descriptions null
     ///   AudioFileReadPacketData cache 0 bytes 65536 descriptions given start 0 packets 64
     ///   AudioConverterReset, AudioConverterDispose, AudioFileClose
+    ///   ExtAudioFileCreateWithURL "/a/b.wav" 'WAVE' format 44100 'lpcm' 12 4/1/4/2/16 layout: 00
+    ///   ..
+    ///                             flags 3                 (all bytes of the layout; null: none)
+    ///   ExtAudioFileSetProperty 'accf' size 8: 00 00 00 00 00 00 00 00
+    ///   ExtAudioFileGetProperty 'acnv' size 8
+    ///   ExtAudioFileWrite frames 2 buffers 1 channels 2 bytes 8
+    ///   ExtAudioFileDispose
     const std::vector<std::string>& Calls() const { return mCalls; }
     void ForgetCalls() { mCalls.clear(); }
     /// The lines that begin with inStart.
     std::vector<std::string> CallsOf(const std::string& inStart) const;
 
     const std::vector<PulledInput>& Pulls() const { return mPulls; }
-    /// The last path, and the last callbacks' client data.
+    const std::vector<WrittenBlock>& Written() const { return mWritten; }
+    /// The last path, opened or created, and the last callbacks' client data.
     const std::string& OpenedPath() const { return mOpenedPath; }
     void* OpenedClientData() const { return mOpenedClientData; }
     /// Where the last fill was to put its frames.
     const void* FillBuffer() const { return mFillBuffer; }
 
-    int OpenFiles() const { return static_cast<int>(mFiles.size()); }
+    int OpenFiles() const { return static_cast<int>(mFiles.size() + mExtFiles.size()); }
     int OpenConverters() const { return static_cast<int>(mConverters.size()); }
     int OpenHandles() const { return OpenFiles() + OpenConverters(); }
     /// What no caller may do: a handle that is not open, a missing out argument, a script that does
@@ -232,16 +266,22 @@ private:
     std::deque<std::vector<FillStep>> mFills;
     Bytes mAudio;
     std::size_t mAudioPosition = 0;
+    OSStatus mCreationStatus = noErr;
+    bool mFailedCreationLeavesFile = false;
+    std::deque<OSStatus> mWriteStatuses;
+    std::deque<OSStatus> mDisposalStatuses;
     CrossingHook mCrossingHook = nullptr;
 
     std::vector<std::string> mCalls;
     std::vector<std::string> mBreaches;
     std::vector<PulledInput> mPulls;
+    std::vector<WrittenBlock> mWritten;
     std::string mOpenedPath;
     void* mOpenedClientData = nullptr;
     const void* mFillBuffer = nullptr;
     std::map<AudioFileID, int> mFiles;
     std::map<AudioConverterRef, Converter> mConverters;
+    std::map<ExtAudioFileRef, AudioConverterRef> mExtFiles;
     std::uintptr_t mLastHandle = 0;
 };
 
