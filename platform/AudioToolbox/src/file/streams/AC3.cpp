@@ -28,7 +28,8 @@ public:
     {
     }
 
-    bool FindPacket(StreamWindow& ioWindow, SInt64 inPosition, StreamPacket& outPacket) override
+    bool FindPacket(StreamWindow& ioWindow, SInt64 inPosition, UInt64,
+                    StreamPacket& outPacket) override
     {
         SInt64 position = inPosition;
         AC3Header header;
@@ -42,6 +43,8 @@ public:
                 position += header.mByteCount;
                 continue;
             }
+            if (mDependents == 0 && !IsConfirmed<AC3Syntax>(ioWindow, position, header))
+                header.mByteCount = mLosses.TrueSize(ioWindow, position, header);
             outPacket = PacketOf(position, header);
             return AddDependents(ioWindow, outPacket);
         }

@@ -50,7 +50,8 @@ class AMRFramer final : public Framer
 public:
     explicit AMRFramer(const Band& inBand) : mBand(inBand) {}
 
-    bool FindPacket(StreamWindow& ioWindow, SInt64 inPosition, StreamPacket& outPacket) override
+    bool FindPacket(StreamWindow& ioWindow, SInt64 inPosition, UInt64,
+                    StreamPacket& outPacket) override
     {
         SInt64 position = inPosition;
         UInt32 size = SizeAt(ioWindow, position, kMayNotBeSet);

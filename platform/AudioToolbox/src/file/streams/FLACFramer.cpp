@@ -13,6 +13,10 @@ constexpr std::size_t kLookAhead = FLACHeader::kLongest;
 // Packets that may be missing between two whose numbers still belong together.
 constexpr UInt64 kLargestGap = 64;
 
+// Bytes of a packet whose header is destroyed, at least: no frame is smaller, and a decoder is
+// silent about anything less.
+constexpr UInt32 kSmallestFrame = 10;
+
 // Headers without any place in the numbering that one frame's data may hold by chance.
 constexpr int kMaxStrayHeaders = 8;
 
@@ -81,6 +85,21 @@ std::size_t LastFrameSize(std::span<const UInt8> inBytes, std::size_t inLargest)
     return 0;
 }
 
+// The size of a frame behind which a header stands that is damaged in one of its bytes; else 0.
+std::size_t SizeBeforeDamaged(std::span<const UInt8> inBytes, std::size_t inHeaderBytes)
+{
+    constexpr std::size_t kLikeness = 4;  // bytes, of which one may differ
+    UInt16 checksum = AddToFrameChecksum(0, inBytes.first(std::min(inHeaderBytes, inBytes.size())));
+    for (std::size_t size = inHeaderBytes; size + kLikeness <= inBytes.size(); ++size)
+    {
+        const auto differs = [&](std::size_t i) { return inBytes[size + i] != inBytes[i]; };
+        if (checksum == 0 && differs(0) + differs(1) + differs(2) + differs(3) <= 1)
+            return size;
+        checksum = AddToFrameChecksum(checksum, inBytes.subspan(size, 1));
+    }
+    return 0;
+}
+
 }  // namespace
 
 std::size_t FindFLACSync(std::span<const UInt8> inBytes, std::size_t inFrom)
@@ -131,29 +150,51 @@ bool FLACFramer::NextHeader(StreamWindow& ioWindow, SInt64 inBase, std::size_t& 
     return false;
 }
 
-// 0 when the data ends within the frame.
+// Packets between the one of inNumber, exclusive, and a header; 0 where numbers do not tell.
+UInt64 FLACFramer::MissingBefore(const FLACHeader& inHeader, UInt64 inNumber) const
+{
+    if (mFirst.mHasVariableBlocks || inHeader.mNumber <= inNumber)
+        return 0;
+    const UInt64 missing = inHeader.mNumber - inNumber - 1;
+    return missing <= kLargestGap ? missing : 0;
+}
+
+// 0 when the data ends within the frame. The bytes of packets with destroyed headers stay with the
+// frame before, but for what it takes to deliver those packets.
 UInt32 FLACFramer::FrameSize(StreamWindow& ioWindow, SInt64 inPosition,
                              const FLACHeader& inHeader) const
 {
     EndJudge judge(inHeader);
     FLACHeader next;
     for (std::size_t at = inHeader.mHeaderBytes; NextHeader(ioWindow, inPosition, at, next); ++at)
-        if (judge.IsEnd(next, ioWindow.Look(inPosition, at).first(at)))
-            return static_cast<UInt32>(at);
-    if (ioWindow.Status() != noErr)
-        return 0;
+    {
+        const auto frame = ioWindow.Look(inPosition, at).first(at);
+        if (!judge.IsEnd(next, frame))
+            continue;
+        const std::size_t missing = MissingBefore(next, inHeader.mNumber) * kSmallestFrame;
+        const bool isWithin = missing > 0 && missing + kSmallestFrame <= at;
+        return static_cast<UInt32>(isWithin && !IsChecksumRight(frame) ? at - missing : at);
+    }
+    return ioWindow.Status() == noErr ? LastSize(ioWindow, inPosition, inHeader) : 0;
+}
+
+UInt32 FLACFramer::LastSize(StreamWindow& ioWindow, SInt64 inPosition,
+                            const FLACHeader& inHeader) const
+{
     const SInt64 left = ioWindow.End() - inPosition;
     if (left > static_cast<SInt64>(mLargestFrame + kLookAhead))
         return mLargestFrame;  // whatever follows, the frame itself is within
     const auto bytes = ioWindow.Look(inPosition, static_cast<std::size_t>(left));
-    return static_cast<UInt32>(LastFrameSize(bytes, mLargestFrame));
+    if (const std::size_t size = LastFrameSize(bytes, mLargestFrame); size > 0)
+        return static_cast<UInt32>(size);
+    return static_cast<UInt32>(SizeBeforeDamaged(bytes, inHeader.mHeaderBytes));
 }
 
 // One pass over the headers, each judged together with the one behind it.
-bool FLACFramer::FindAfterLoss(StreamWindow& ioWindow, SInt64 inPosition,
-                               StreamPacket& outPacket) const
+bool FLACFramer::FindAfterLoss(StreamWindow& ioWindow, SInt64 inPosition, StreamPacket& outPacket,
+                               FLACHeader& outHeader) const
 {
-    FLACHeader candidate;
+    FLACHeader& candidate = outHeader;
     FLACHeader next;
     bool hasCandidate = false;
     SInt64 base = inPosition;  // of the candidate once there is one
@@ -178,9 +219,24 @@ bool FLACFramer::FindAfterLoss(StreamWindow& ioWindow, SInt64 inPosition,
     }
 }
 
-bool FLACFramer::FindPacket(StreamWindow& ioWindow, SInt64 inPosition, StreamPacket& outPacket)
+// In the place of packets that are missing before inNext, which ioPacket is: the first of them.
+bool FLACFramer::FindDamaged(StreamWindow& ioWindow, SInt64 inPosition, UInt64 inPacket,
+                             StreamPacket& ioPacket, const FLACHeader& inNext) const
+{
+    const UInt64 missing = MissingBefore(inNext, mFirst.mNumber + inPacket - 1);
+    const UInt64 bytes = static_cast<UInt64>(ioPacket.mPosition - inPosition);
+    if (missing == 0 || bytes / missing < kSmallestFrame || ioWindow.Status() != noErr)
+        return false;
+    const UInt32 size = static_cast<UInt32>(std::min<UInt64>(bytes / missing, mLargestFrame));
+    ioPacket = {inPosition, size, mFirst.mBlock, 0};
+    return true;
+}
+
+bool FLACFramer::FindPacket(StreamWindow& ioWindow, SInt64 inPosition, UInt64 inPacket,
+                            StreamPacket& outPacket)
 {
     FLACHeader header;
+    SInt64 position = inPosition;
     if (ReadHeader(ioWindow.Look(inPosition, FLACHeader::kLongest), header))
     {
         if (const UInt32 size = FrameSize(ioWindow, inPosition, header); size > 0)
@@ -190,9 +246,13 @@ bool FLACFramer::FindPacket(StreamWindow& ioWindow, SInt64 inPosition, StreamPac
         }
         if (ioWindow.Status() != noErr)
             return false;
-        return FindAfterLoss(ioWindow, inPosition + header.mHeaderBytes, outPacket);
+        position += header.mHeaderBytes;
     }
-    return FindAfterLoss(ioWindow, inPosition, outPacket);
+    if (!FindAfterLoss(ioWindow, position, outPacket, header))
+        return false;
+    if (inPacket > 0)
+        (void)FindDamaged(ioWindow, inPosition, inPacket, outPacket, header);
+    return true;
 }
 
 }  // namespace audiotoolbox::streams

@@ -23,10 +23,12 @@ public:
     virtual ~Framer() = default;
 
     /// The first whole packet at or behind inPosition, which is where the first packet or what
-    /// follows a packet lies. The answer depends on the position alone, so a walk may start again
+    /// follows a packet lies. The answer depends on the arguments alone, so a walk may start again
     /// at any position that an earlier walk came by.
+    /// inPacket  packets before it in the stream
     /// False: there is none any more, or a read failed (the window's status tells).
-    virtual bool FindPacket(StreamWindow& ioWindow, SInt64 inPosition, StreamPacket& outPacket) = 0;
+    virtual bool FindPacket(StreamWindow& ioWindow, SInt64 inPosition, UInt64 inPacket,
+                            StreamPacket& outPacket) = 0;
 };
 
 }  // namespace audiotoolbox::streams

@@ -36,7 +36,7 @@ bool StreamReader::Locate()
         return true;
     if (mNextPacket >= mPacketsInStream)
         return false;
-    mHasFound = mFramer->FindPacket(*mWindow, mNextPosition, mFound);
+    mHasFound = mFramer->FindPacket(*mWindow, mNextPosition, mNextPacket, mFound);
     if (!mHasFound && mWindow->Status() == noErr)
         mPacketsInStream = mNextPacket;
     return mHasFound;

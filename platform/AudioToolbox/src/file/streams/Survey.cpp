@@ -38,7 +38,7 @@ Survey SurveyPackets(Framer& inFramer, StreamWindow& ioWindow, SInt64 inStart)
     Survey survey;
     StreamPacket packet;
     SInt64 position = inStart;
-    while (inFramer.FindPacket(ioWindow, position, packet))
+    while (inFramer.FindPacket(ioWindow, position, survey.mPackets, packet))
     {
         if (packet.End() > inStart + kSearchBytes)
             return survey;

@@ -17,7 +17,8 @@ public:
 
     explicit SyncFramer(const Header& inFirst) : mFirst(inFirst), mLosses(inFirst) {}
 
-    bool FindPacket(StreamWindow& ioWindow, SInt64 inPosition, StreamPacket& outPacket) override
+    bool FindPacket(StreamWindow& ioWindow, SInt64 inPosition, UInt64,
+                    StreamPacket& outPacket) override
     {
         Header header;
         SInt64 position = inPosition;
@@ -27,11 +28,23 @@ public:
             return true;
         if (!follows && !Resynchronise<Syntax>(ioWindow, mFirst, position, header))
             return false;
+        if (!IsFollowed(ioWindow, position, header) ||
+            mLosses.IsOddOneOut(ioWindow, position, header))
+            header.mByteCount = mLosses.TrueSize(ioWindow, position, header);
         outPacket = PacketOf(position, header);
         return true;
     }
 
 private:
+    bool IsFollowed(StreamWindow& ioWindow, SInt64 inPosition, const Header& inHeader) const
+    {
+        const std::size_t size = inHeader.mByteCount;
+        const auto bytes = ioWindow.Look(inPosition, size + Syntax::kHeaderBytes);
+        Header next;
+        return bytes.size() < size + Syntax::kHeaderBytes ||
+               (Syntax::Parse(bytes.data() + size, next) && Syntax::Follows(mFirst, next));
+    }
+
     Header mFirst;
     LossFinder<Syntax> mLosses;
 };
