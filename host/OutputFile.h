@@ -1,12 +1,14 @@
 // OutputFile: a file that appears whole or not at all.
 //
-// Bytes go to a temporary file beside the target, which takes the target's place at Commit.
-// Anything else that ends the object's life removes the temporary file and leaves an old target
-// untouched. A target that is no regular file (a pipe, a device) is written straight.
+// Bytes go to the temporary file of a TargetFile. A target that is no regular file (a pipe, a
+// device) is written straight.
 #ifndef HOST_OUTPUTFILE_H
 #define HOST_OUTPUTFILE_H
 
+#include "host/TargetFile.h"
+
 #include <cstddef>
+#include <optional>
 #include <string>
 
 namespace host
@@ -32,10 +34,9 @@ public:
 
 private:
     [[noreturn]] void Fail(const char* inWhat, int inError) const;
-    void OpenTemporary(unsigned int inMode);
 
-    std::string mPath;
-    std::string mTemporary;  // empty when written straight
+    const std::string mPath;
+    std::optional<TargetFile> mTarget;  // none when written straight
     int mDescriptor = -1;
 };
 

@@ -2,7 +2,8 @@
 //
 // The writer gets the name of an empty temporary file beside the target, which takes the target's
 // place at Commit. Anything else that ends the object's life removes the temporary file and leaves
-// an old target untouched. A symbolic link stays one: the file that it leads to is replaced.
+// an old target untouched. A symbolic link stays one: the file that it leads to is replaced; one
+// that leads nowhere is refused.
 #ifndef HOST_TARGETFILE_H
 #define HOST_TARGETFILE_H
 
@@ -19,8 +20,8 @@ public:
     /// inSource       the file that is being read; replacing it is refused, by whatever name or
     ///                link; may be empty
     /// Throws Failure (kExitOutput) for those, for a folder that is missing or cannot be written,
-    /// and for anything that is no regular file. A new file gets the permissions that the user's
-    /// mask leaves, a replaced one keeps those of the old.
+    /// for a link that leads nowhere and for anything that is no regular file. A new file gets the
+    /// permissions that the user's mask leaves, a replaced one keeps those of the old.
     TargetFile(const std::string& inPath, bool inMayReplace, const std::string& inSource);
     ~TargetFile();
     TargetFile(const TargetFile&) = delete;
@@ -41,6 +42,7 @@ private:
     const std::string mName;
     std::string mPath;       // without links
     std::string mTemporary;  // empty: nothing to remove
+    unsigned int mMode = 0;  // permissions that the file gets
 };
 
 }  // namespace host

@@ -2,7 +2,8 @@
 # Sourced with the working folder at the root of the checkout.
 
 build_packages=(g++ cmake ninja-build pkg-config
-    libavcodec-dev libswresample-dev libhwy-dev libboost-dev libexpat1-dev libcli11-dev nlohmann-json3-dev)
+    libavcodec-dev libswresample-dev libhwy-dev libboost-dev libexpat1-dev libcli11-dev nlohmann-json3-dev
+    libsoxr-dev)
 test_packages=(libgtest-dev libsndfile1-dev libavformat-dev ffmpeg flac sox libsox-fmt-all lame mpg123 faad
     sndfile-programs binutils)
 bench_packages=(libavformat-dev libsndfile1-dev ffmpeg sndfile-programs flac lame python3)
