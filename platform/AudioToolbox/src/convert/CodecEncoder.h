@@ -32,6 +32,7 @@ public:
     OSStatus Fill(const FrameSupply& inSupply, UInt32& ioPackets, AudioBufferList& ioList,
                   AudioStreamPacketDescription* outPackets) override;
     void Reset() override;
+    OSStatus Start() override { return mSession ? OSStatus{noErr} : Open(); }
     bool HasStarted() const override { return mSession != nullptr; }
     OSStatus GetCookie(std::vector<UInt8>& outCookie) override;
     AudioConverterPrimeInfo Prime() const override;

@@ -30,7 +30,10 @@ public:
     /// The next fill starts a new stream.
     virtual void Reset() = 0;
 
-    /// True from the first packet on: settings are taken over with it.
+    /// Takes the settings over before the first packet; noErr once that is done.
+    virtual OSStatus Start() { return noErr; }
+
+    /// True from Start or the first packet on: settings are taken over with it.
     virtual bool HasStarted() const { return false; }
 
     /// What a decoder needs beside the packets; empty for formats without. Opens the encoder.
