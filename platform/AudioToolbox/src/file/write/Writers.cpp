@@ -1,7 +1,5 @@
 #include "file/write/Writers.h"
 
-#include <array>
-
 namespace audiotoolbox
 {
 namespace
@@ -13,7 +11,15 @@ struct WriterRow
     MakePacketWriter mMake;
 };
 
-constexpr std::array<WriterRow, 0> kWriters = {};
+// clang-format off
+constexpr WriterRow kWriters[] = {
+    {kAudioFile3GP2Type,  &MakeMPEG4Writer},
+    {kAudioFile3GPType,   &MakeMPEG4Writer},
+    {kAudioFileM4AType,   &MakeMPEG4Writer},
+    {kAudioFileM4BType,   &MakeMPEG4Writer},
+    {kAudioFileMPEG4Type, &MakeMPEG4Writer},
+};
+// clang-format on
 
 }  // namespace
 
