@@ -99,7 +99,7 @@ public:
     const uint16* GetPrivateSettings() const override
     {
         Note("GetPrivateSettings");
-        return u"";
+        return mPrivateSettings.c_str();
     }
     void SetPrivateSettings(const uint16* inText) override
     {
@@ -117,7 +117,7 @@ public:
     std::int64_t GetSampleCount() const override
     {
         Note("GetSampleCount");
-        return 0;
+        return mSampleCount;
     }
     void SetFileExtensions(TarvoExtensionList*) override { Note("SetFileExtensions"); }
 
@@ -126,7 +126,9 @@ public:
     std::int32_t mSampleType = 0;
     std::int64_t mChannelCount = 0;
     std::vector<std::uint32_t> mLabels;
+    std::u16string mPrivateSettings;
     std::int32_t mFormatFlags = 0;
+    std::int64_t mSampleCount = 0;
 };
 
 class RecordingInfo : public TarvoGetTarvoInfoInterface, Recorder
@@ -399,7 +401,7 @@ public:
     const uint16* GetFilePath() const override
     {
         Note("GetFilePath");
-        return u"/a/b.caf";
+        return mPath.c_str();
     }
     TarvoFormatInterface* GetFormatInterface() const override
     {
@@ -417,6 +419,7 @@ public:
     }
 
     TarvoErrorInterface* mErrors = nullptr;
+    std::u16string mPath = u"/a/b.caf";
     TarvoFormatInterface* mFormat = nullptr;
     void* mHandle = nullptr;
 };
@@ -433,20 +436,23 @@ public:
     std::int64_t GetStartSample() const override
     {
         Note("GetStartSample");
-        return 0;
+        return mStart;
     }
     std::int64_t GetSampleCount() const override
     {
         Note("GetSampleCount");
-        return 0;
+        return mCount;
     }
     const char* GetChannelBuffer(std::int64_t inChannel) const override
     {
         Note("GetChannelBuffer", inChannel);
-        return nullptr;
+        return mBuffers.at(static_cast<std::size_t>(inChannel));
     }
 
     TarvoErrorInterface* mErrors = nullptr;
+    std::int64_t mStart = 0;
+    std::int64_t mCount = 0;
+    std::vector<const char*> mBuffers;
 };
 
 class RecordingFinishWrite : public TarvoFinishWriteInterface, Recorder

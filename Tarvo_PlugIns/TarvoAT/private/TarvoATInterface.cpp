@@ -20,26 +20,17 @@ std::int32_t TarvoATInterface::RunExportSettingsDialog(TarvoFormatInterface&, vo
     return kTarvoResultNotImplemented;
 }
 
-std::int32_t TarvoATInterface::WriteStart(TarvoWriteStartInterface&, ATWriter*&)
-{
-    return kTarvoResultNotImplemented;
-}
-
-std::int32_t TarvoATInterface::WriteSamples(ATWriter&, TarvoWriteSamplesInterface&)
-{
-    return kTarvoResultNotImplemented;
-}
-
-std::int32_t TarvoATInterface::FinishWrite(ATWriter&, bool, const TarvoFormatInterface&)
-{
-    return kTarvoResultNotImplemented;
-}
-
 std::int32_t TarvoATInterface::ReportFailure(const char* inGeneralText,
                                              appleaudiotoolbox::ExtendedErrorInfo& ioInfo)
 {
+    return ReportFailure(kelpcore::config::Localizer::Get().Translate(inGeneralText), ioInfo);
+}
+
+std::int32_t TarvoATInterface::ReportFailure(const UTF16String& inGeneralText,
+                                             appleaudiotoolbox::ExtendedErrorInfo& ioInfo)
+{
     const std::int32_t result = TarvoResultFromErrorSite(ioInfo.mSite);
-    ioInfo.mMessage = kelpcore::config::Localizer::Get().Translate(inGeneralText);
+    ioInfo.mMessage = inGeneralText;
     appleaudiotoolbox::SetExtendedErrorString(ioInfo);
     if (mErrorInterface)
         mErrorInterface->SetErrorText(ioInfo.mMessage.c_str());

@@ -43,15 +43,25 @@ public:
     std::int32_t GetExportSettingsInfo(TarvoGetExportSettingsInfoInterface& inInfo) override;
     std::int32_t RunExportSettingsDialog(TarvoFormatInterface& inFormat, void* inParentWindow,
                                          long long inOption, bool& outCancelled) override;
+
+    /// Success: the host has the description, and outWriter is a writer that belongs to it.
+    /// Failure: the error text was told, and outWriter is null; a file that was created stays. A
+    /// sample type without a width is refused without a text, before any file is made.
     std::int32_t WriteStart(TarvoWriteStartInterface& inStart, ATWriter*& outWriter) override;
+    /// Appends one block, whatever its start. The session goes on after a failure. A block above
+    /// 2147483647 bytes is refused without a text.
     std::int32_t WriteSamples(ATWriter& inWriter, TarvoWriteSamplesInterface& inBlock) override;
+    /// Success frees the writer. After a failure the file is closed, and the writer is still the
+    /// host's: a second call frees it. Neither flag nor format changes anything.
     std::int32_t FinishWrite(ATWriter& inWriter, bool inFlag,
                              const TarvoFormatInterface& inFormat) override;
 
 private:
     // Completes the text of a failure and shows it to the host if it can be told. The site gives
-    // the result.
+    // the result. The text is one for the localiser, or a finished one.
     std::int32_t ReportFailure(const char* inGeneralText,
+                               appleaudiotoolbox::ExtendedErrorInfo& ioInfo);
+    std::int32_t ReportFailure(const UTF16String& inGeneralText,
                                appleaudiotoolbox::ExtendedErrorInfo& ioInfo);
 };
 
