@@ -80,10 +80,18 @@ struct Audio
     SInt64 Frames() const { return static_cast<SInt64>(mSamples.size() / mChannels); }
 };
 
+/// Another tone in each channel.
 inline Audio MakeAudio(AudioFormatID inFormat, UInt32 inChannels, std::size_t inFrames)
 {
+    constexpr UInt32 kLow = 3;  // has room for low tones only, where it is
     const double rate = UsualRate(inFormat);
-    return {inFormat, rate, inChannels, encoder_use::Tones(inFrames, inChannels, rate)};
+    Audio audio = {inFormat, rate, inChannels, encoder_use::Tones(inFrames, inChannels, rate)};
+    if (inChannels != 8)
+        return audio;
+    const std::vector<float> six = encoder_use::Tones(inFrames, 6, rate);
+    for (std::size_t i = 0; i < inFrames; ++i)
+        audio.mSamples[i * 8 + kLow] = six[i * 6 + kLow];
+    return audio;
 }
 
 inline Stream Encode(const Audio& inAudio)

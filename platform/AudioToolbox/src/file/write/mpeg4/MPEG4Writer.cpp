@@ -1,7 +1,8 @@
 // Writing files of the MPEG-4 family: the audio as one 'mdat', the head ('moov') behind it.
 //
-// The size of 'mdat' has 64 bits from the start and is patched at the end, so a file may grow
-// beyond 4 GiB. Memory grows by the index of the packets only.
+// In front of 'mdat' stands an empty box. Beyond 4 GiB its room makes the head of 'mdat' one with
+// a size of 64 bits; below, it stays, since not every reader understands that form. Memory grows
+// by the index of the packets only.
 #include "file/write/PacketWriter.h"
 
 #include "file/write/mpeg4/MovieHead.h"
@@ -22,7 +23,7 @@ namespace
 
 using Packets = std::span<const AudioStreamPacketDescription>;
 
-constexpr std::size_t kDataHeadBytes = 16;  // of 'mdat' with its 64-bit size
+constexpr std::size_t kDataHeadBytes = 8;  // of 'mdat', as of the empty box in front of it
 
 // The tables' boxes have sizes of 32 bits; this many packets stay well below.
 constexpr UInt32 kMostPackets = UInt32{1} << 28;
@@ -63,6 +64,23 @@ struct Batch
         return BytesOfFirst(Count()) == mBytes.size();
     }
 };
+
+// 16 bytes, whatever the size.
+void PutDataHead(UInt64 inDataBytes, BoxBuilder& ioBoxes)
+{
+    constexpr UInt32 kSizeBehindType = 1;
+    const UInt64 size = kDataHeadBytes + inDataBytes;
+    const bool isWide = size > std::numeric_limits<UInt32>::max();
+    if (!isWide)
+    {
+        ioBoxes.Begin(CA_FOUR_CHAR_CODE('f', 'r', 'e', 'e'));
+        ioBoxes.End();
+    }
+    ioBoxes.PutU32(isWide ? kSizeBehindType : static_cast<UInt32>(size));
+    ioBoxes.PutU32(CA_FOUR_CHAR_CODE('m', 'd', 'a', 't'));
+    if (isWide)
+        ioBoxes.PutU64(size + kDataHeadBytes);
+}
 
 class MPEG4Writer : public PacketWriter
 {
@@ -112,9 +130,7 @@ OSStatus MPEG4Writer::AppendFront()
 {
     BoxBuilder boxes;
     PutFileType(mFacts.mType, boxes);
-    boxes.PutU32(1);  // the size stands behind the type
-    boxes.PutU32(CA_FOUR_CHAR_CODE('m', 'd', 'a', 't'));
-    boxes.PutU64(kDataHeadBytes);
+    PutDataHead(0, boxes);
     mFacts.mDataStart = static_cast<SInt64>(boxes.Bytes().size());
     return mSink->Append(boxes.Bytes());
 }
@@ -204,11 +220,10 @@ OSStatus MPEG4Writer::SettleFacts(const StreamEnd& inEnd)
 
 OSStatus MPEG4Writer::PatchDataSize()
 {
-    constexpr SInt64 kSizeBytes = 8;
-    const UInt64 size = kDataHeadBytes + mIndex.TotalBytes();
-    BoxBuilder field;
-    field.PutU64(size);
-    return mSink->Patch(mFacts.mDataStart - kSizeBytes, field.Bytes());
+    BoxBuilder head;
+    PutDataHead(mIndex.TotalBytes(), head);
+    const SInt64 place = mFacts.mDataStart - static_cast<SInt64>(head.Bytes().size());
+    return mSink->Patch(place, head.Bytes());
 }
 
 // Ticks are frames, so the rate is a whole number; and what the encoder's row does not take, no

@@ -38,6 +38,13 @@ public:
 
     const std::vector<DurationRun>& Durations() const { return mDurations; }
 
+    /// Of sizes and durations, in memory.
+    std::size_t BytesHeld() const
+    {
+        return sizeof(UInt16) * (mLowHalves.size() + mHighHalves.size()) +
+               sizeof(DurationRun) * mDurations.size();
+    }
+
 private:
     void KeepSize(UInt32 inBytes);
 
