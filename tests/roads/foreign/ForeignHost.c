@@ -1,13 +1,14 @@
 /* ForeignHost: a host in C that knows the plug-in by its binary interface alone.
 
-   ForeignHost PLUGIN [-i] [-k] [-b FRAMES] FILE...
+   ForeignHost PLUGIN [-i] [-k] [-b FRAMES] [-w FILE] FILE...
 
    Opens each file, asks its format, reads it to the end in blocks and closes it; with -k it stays
-   open. Each -i asks the plug-in what it is and has. Every call that the plug-in makes is a line on
-   standard output, as is each result of an entry call ("= SELECTOR RESULT") and each delivered
-   sample ("CHANNEL FRAME VALUE"). */
+   open. Each -i asks the plug-in what it is and has, each -w writes a file. Every call that the
+   plug-in makes is a line on standard output, as is each result of an entry call ("= SELECTOR
+   RESULT") and each delivered sample ("CHANNEL FRAME VALUE"). */
 #include "HostObject.h"
 #include "Introduction.h"
+#include "Writing.h"
 
 #include <dlfcn.h>
 #include <inttypes.h>
@@ -319,6 +320,8 @@ int main(int argc, char** argv)
             keep = 1;
         else if (strcmp(argv[index], "-i") == 0)
             ask_for_introduction(entry);
+        else if (strcmp(argv[index], "-w") == 0 && index + 1 < argc)
+            write_ten_frames(entry, argv[++index]);
         else if (strcmp(argv[index], "-b") == 0 && index + 1 < argc)
             block_frames = atoll(argv[++index]);
         else

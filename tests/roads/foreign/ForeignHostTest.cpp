@@ -317,4 +317,16 @@ TEST_F(ForeignHost, CanPutItsOwnPlatformInFront)
                      "file.\\u000AError Code: 'nope'"}));
 }
 
+TEST_F(ForeignHost, CanRefuseToCreateInFrontOfThePlatform)
+{
+    const Outcome run = RunHost("-w /a/b.wav", "ForeignHostWithPlatform");
+    EXPECT_EQ(run.mStatus, 0);
+    EXPECT_EQ(run.mLines, (Lines{"GetErrorInterface", "GetFilePath", "GetFormatInterface",
+                                 "GetPrivateSettings", "GetSampleType", "GetChannelCount",
+                                 "GetChannelLabel 0", "GetChannelLabel 1", "GetSampleCount",
+                                 "SetErrorText Apple AudioToolbox cannot create the specified "
+                                 "file.\\u000AError Code: 'nop!'",
+                                 "= 17 -1"}));
+}
+
 }  // namespace
