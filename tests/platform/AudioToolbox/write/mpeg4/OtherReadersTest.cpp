@@ -143,6 +143,38 @@ TEST_F(OtherReaders, FFmpegFindsEveryPacketAsItWas)
     EXPECT_TRUE(copied == wanted);
 }
 
+TEST_F(OtherReaders, FFprobeOpensAFileWithoutPackets)
+{
+    for (const Pair& pair : kPairs)
+    {
+        SCOPED_TRACE(Name(pair));
+        Stream stream = Encode(MakeAudio(pair.mFormat, 2, 5000));
+        stream.mPackets.clear();
+        stream.mFrames.clear();
+        const std::string path = Store(Written(pair.mType, stream, 0), "file.mp4");
+        const std::string text = TextOf(
+            "ffprobe -v error -count_packets -of csv=p=0 "
+            "-show_entries stream=codec_type,channels,nb_read_packets " +
+            path);
+        EXPECT_EQ(text.substr(0, 11), "audio,2,N/A");
+    }
+}
+
+TEST_F(OtherReaders, FFmpegDecodesLosslessLengthsAroundAFrameExactly)
+{
+    for (const AudioFormatID format : {kAudioFormatAppleLossless, kAudioFormatFLAC})
+    {
+        const std::size_t frame = Encode(MakeAudio(format, 2, 5000)).mFormat.mFramesPerPacket;
+        for (const std::size_t frames : {std::size_t{1}, frame - 1, frame, frame + 1})
+        {
+            const Audio audio = MakeAudio(format, 2, frames);
+            const std::string path =
+                Store(Written(kAudioFileMPEG4Type, Encode(audio), audio.Frames()), "file.mp4");
+            EXPECT_EQ(DecodedByFFmpeg(path).size(), frames * 2) << CodeText(format);
+        }
+    }
+}
+
 // It plays without the first packet, which is the encoder's delay here.
 TEST_F(OtherReaders, FaadDecodesAACAligned)
 {

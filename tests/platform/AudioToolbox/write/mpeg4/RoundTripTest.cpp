@@ -182,7 +182,7 @@ TEST(MPEG4Writing, LengthsAroundACodecFrameAreExact)
 TEST(MPEG4Writing, AFileWithoutPacketsOpensWithNoFrames)
 {
     for (const Pair& pair : kPairs)
-        for (const UInt32 channels : {1u, 2u, 6u})
+        for (const UInt32 channels : {1u, 2u, 4u, 6u})
         {
             if (!Takes(pair.mFormat, channels))
                 continue;
