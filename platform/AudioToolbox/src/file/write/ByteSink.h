@@ -19,7 +19,8 @@ class ByteSink
 public:
     virtual ~ByteSink() = default;
 
-    /// Behind everything so far. After a failure Size counts what is wholly in the file or held.
+    /// Behind everything so far. After a failure Size counts what is in the file, perhaps a part
+    /// of inBytes too.
     virtual OSStatus Append(std::span<const UInt8> inBytes) = 0;
 
     /// Over bytes that were appended before.
@@ -31,7 +32,7 @@ public:
     /// Cuts the file to inSize, at most Size.
     virtual OSStatus Truncate(SInt64 inSize) = 0;
 
-    /// Writes out what is held and closes the file. Nothing may follow. A sink that is destroyed
+    /// Closes the file. Nothing may follow. A sink that is destroyed
     /// without it closes too, with nobody to tell.
     virtual OSStatus Close() = 0;
 };

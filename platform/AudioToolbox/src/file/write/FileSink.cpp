@@ -1,19 +1,15 @@
-// The sink of bytes that is a file: small appends are gathered, large ones go straight through.
-//
-// What is held always lies behind what is written. After a failed write nothing is held any more,
-// so that Size is what the file has.
+// The sink of bytes that is a file. Every append is written at once: what Size tells is in the
+// file, so a writer knows at a failure exactly what is there, and its header can say so.
 
 #include "file/write/ByteSink.h"
 
-#include <algorithm>
 #include <cerrno>
 #include <csignal>
-#include <cstring>
 #include <ctime>
 #include <utility>
-#include <vector>
 
 #include <fcntl.h>
+#include <sys/resource.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
@@ -22,7 +18,11 @@ namespace audiotoolbox
 namespace
 {
 
-constexpr std::size_t kHeldBytes = 64 * 1024;
+bool HasSizeLimit()
+{
+    rlimit limit = {};
+    return ::getrlimit(RLIMIT_FSIZE, &limit) != 0 || limit.rlim_cur != RLIM_INFINITY;
+}
 
 // Keeps the signal of the file size limit from this thread, since it would end a process that
 // left it alone. The limit shows as EFBIG all the same. A signal that was waiting before stays.
@@ -31,6 +31,8 @@ class SizeLimitSignalHeld
 public:
     SizeLimitSignalHeld()
     {
+        if (!HasSizeLimit())
+            return;
         sigemptyset(&mSignal);
         sigaddset(&mSignal, SIGXFSZ);
         sigset_t pending;
@@ -128,17 +130,10 @@ public:
     {
         if (mDescriptor < 0)
             return kAudioFileNotOpenError;
-        if (inBytes.size() < kHeldBytes - mHeldCount)
-        {
-            Hold(inBytes);
-            return noErr;
-        }
-        if (const OSStatus status = Flush(); status != noErr)
-            return status;
-        if (inBytes.size() >= kHeldBytes)
-            return WriteOut(inBytes);
-        Hold(inBytes);
-        return noErr;
+        std::size_t done = 0;
+        const OSStatus status = WriteAt(mSize, inBytes, done);
+        mSize += static_cast<SInt64>(done);
+        return status;
     }
 
     OSStatus Patch(SInt64 inPosition, std::span<const UInt8> inBytes) override
@@ -146,29 +141,21 @@ public:
         if (mDescriptor < 0)
             return kAudioFileNotOpenError;
         const auto count = static_cast<SInt64>(inBytes.size());
-        if (inPosition < 0 || count > Size() || inPosition > Size() - count)
+        if (inPosition < 0 || count > mSize || inPosition > mSize - count)
             return kAudioFilePositionError;
-        const SInt64 inFile = std::clamp<SInt64>(mWritten - inPosition, 0, count);
-        const auto first = static_cast<std::size_t>(inFile);
-        if (first < inBytes.size())
-            std::copy(inBytes.begin() + inFile, inBytes.end(),
-                      mHeld.begin() + (inPosition + inFile - mWritten));
         std::size_t done = 0;
-        return WriteAt(inPosition, inBytes.first(first), done);
+        return WriteAt(inPosition, inBytes, done);
     }
 
-    SInt64 Size() const override { return mWritten + static_cast<SInt64>(mHeldCount); }
+    SInt64 Size() const override { return mSize; }
 
     OSStatus Truncate(SInt64 inSize) override
     {
         if (mDescriptor < 0)
             return kAudioFileNotOpenError;
-        if (inSize < 0 || inSize > Size())
+        if (inSize < 0 || inSize > mSize)
             return kAudioFilePositionError;
-        mHeldCount = static_cast<std::size_t>(std::max<SInt64>(inSize - mWritten, 0));
-        if (inSize >= mWritten)
-            return noErr;
-        mWritten = inSize;
+        mSize = inSize;
         return CutFile();
     }
 
@@ -176,39 +163,12 @@ public:
     {
         if (mDescriptor < 0)
             return kAudioFileNotOpenError;
-        const OSStatus flushed = Flush();
         // Of the descriptor nothing is left, whatever the answer.
-        const bool isClosed = ::close(std::exchange(mDescriptor, -1)) == 0;
-        if (flushed != noErr)
-            return flushed;
-        return isClosed ? OSStatus{noErr} : StatusOfWriting(errno);
+        return ::close(std::exchange(mDescriptor, -1)) == 0 ? OSStatus{noErr}
+                                                            : StatusOfWriting(errno);
     }
 
 private:
-    void Hold(std::span<const UInt8> inBytes)
-    {
-        if (inBytes.empty())
-            return;
-        if (mHeld.empty())
-            mHeld.resize(kHeldBytes);
-        std::memcpy(mHeld.data() + mHeldCount, inBytes.data(), inBytes.size());
-        mHeldCount += inBytes.size();
-    }
-
-    OSStatus Flush()
-    {
-        const std::size_t count = std::exchange(mHeldCount, 0);
-        return WriteOut(std::span<const UInt8>(mHeld).first(count));
-    }
-
-    OSStatus WriteOut(std::span<const UInt8> inBytes)
-    {
-        std::size_t done = 0;
-        const OSStatus status = WriteAt(mWritten, inBytes, done);
-        mWritten += static_cast<SInt64>(done);
-        return status;
-    }
-
     OSStatus WriteAt(SInt64 inPosition, std::span<const UInt8> inBytes, std::size_t& outDone) const
     {
         outDone = 0;
@@ -238,7 +198,7 @@ private:
     {
         if (!mIsRegular)
             return noErr;
-        while (::ftruncate(mDescriptor, mWritten) != 0)
+        while (::ftruncate(mDescriptor, mSize) != 0)
             if (errno != EINTR)
                 return StatusOfWriting(errno);
         return noErr;
@@ -246,9 +206,7 @@ private:
 
     int mDescriptor;
     const bool mIsRegular;
-    SInt64 mWritten = 0;         // bytes that are in the file
-    std::vector<UInt8> mHeld;    // empty until something is held, then kHeldBytes
-    std::size_t mHeldCount = 0;  // of them, behind what is written
+    SInt64 mSize = 0;
 };
 
 int OpenForWriting(const char* inPath, bool inReplaces)
