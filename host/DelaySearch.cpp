@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <vector>
 
 namespace host
 {
@@ -10,27 +11,44 @@ namespace
 {
 
 constexpr float kAudible = 1e-4F;
-constexpr double kClearlyBetter = 1.0005;
 
-// Normalised correlation of the window with what lies inDelay later in the copy; what lies outside
-// of it is silence.
-double Likeness(std::span<const float> inWindow, std::span<const float> inCopy,
-                std::int64_t inStart)
+// Normalised correlation of a window, before which there is silence, with places of a copy. What
+// sounds before such a place tells against it, or a tone would be found as well some periods late.
+class Correlation
 {
-    const auto copyCount = static_cast<std::int64_t>(inCopy.size());
-    const std::int64_t first = std::max<std::int64_t>(0, -inStart);
-    const std::int64_t last =
-        std::min(static_cast<std::int64_t>(inWindow.size()), copyCount - inStart);
-    float product = 0.0F;
-    float energy = 0.0F;
-    for (std::int64_t index = first; index < last; ++index)
+public:
+    Correlation(std::span<const float> inWindow, std::span<const float> inCopy)
+        : mWindow(inWindow), mCopy(inCopy), mEnergy(inCopy.size() + 1)
     {
-        const float copy = inCopy[static_cast<std::size_t>(inStart + index)];
-        product += inWindow[static_cast<std::size_t>(index)] * copy;
-        energy += copy * copy;
+        for (std::size_t index = 0; index < inCopy.size(); ++index)
+            mEnergy[index + 1] =
+                mEnergy[index] + static_cast<double>(inCopy[index]) * inCopy[index];
     }
-    return energy > 0.0F ? product / std::sqrt(energy) : 0.0;
-}
+
+    // What lies outside of the copy is silence.
+    double At(std::int64_t inStart) const
+    {
+        const std::int64_t first = Clamped(inStart);
+        const std::int64_t last = Clamped(inStart + static_cast<std::int64_t>(mWindow.size()));
+        float product = 0.0F;
+        for (std::int64_t index = first; index < last; ++index)
+            product += mWindow[static_cast<std::size_t>(index - inStart)] *
+                       mCopy[static_cast<std::size_t>(index)];
+        const double energy = mEnergy[static_cast<std::size_t>(last)] -
+                              mEnergy[static_cast<std::size_t>(Clamped(inStart - kLargestDelay))];
+        return energy > 0.0 ? product / std::sqrt(energy) : 0.0;
+    }
+
+private:
+    std::int64_t Clamped(std::int64_t inPlace) const
+    {
+        return std::clamp<std::int64_t>(inPlace, 0, static_cast<std::int64_t>(mCopy.size()));
+    }
+
+    const std::span<const float> mWindow;
+    const std::span<const float> mCopy;
+    std::vector<double> mEnergy;  // [frames before]
+};
 
 }  // namespace
 
@@ -47,22 +65,18 @@ std::int64_t FindDelay(std::span<const float> inReference, std::span<const float
     const auto onset = static_cast<std::size_t>(inOnset);
     const std::span<const float> window =
         inReference.subspan(onset, std::min<std::size_t>(kDelayWindow, inReference.size() - onset));
-    double best = Likeness(window, inCopy, inOnset);
-    std::int64_t delay = 0;
-    for (std::int64_t distance = 1; distance <= kLargestDelay; ++distance)
+    const Correlation correlation(window, inCopy);
+    std::int64_t best = 0;
+    double likeness = correlation.At(inOnset);
+    for (std::int64_t delay = -kLargestLead; delay <= kLargestDelay; ++delay)
     {
-        for (const std::int64_t candidate : {distance, -distance})
-        {
-            if (candidate < -kLargestLead)
-                continue;
-            const double likeness = Likeness(window, inCopy, inOnset + candidate);
-            if (likeness <= best * kClearlyBetter)
-                continue;
-            best = likeness;
-            delay = candidate;
-        }
+        const double candidate = correlation.At(inOnset + delay);
+        if (candidate <= likeness)
+            continue;
+        best = delay;
+        likeness = candidate;
     }
-    return delay;
+    return best;
 }
 
 }  // namespace host

@@ -16,7 +16,7 @@ constexpr std::int64_t kDelayWindow = 8192;   // frames that are compared
 std::int64_t FindOnset(std::span<const float> inSound);
 
 /// The delay, in frames, at which inCopy is most like inReference over the window that begins at
-/// inOnset; the smaller one of equals. Below 0 where the copy comes early.
+/// inOnset, 0 where nothing is. Below 0 where the copy comes early.
 std::int64_t FindDelay(std::span<const float> inReference, std::span<const float> inCopy,
                        std::int64_t inOnset);
 

@@ -242,6 +242,28 @@ TEST_F(VerificationTest, TellsOfALossyCopyThatIsSomethingElse)
     EXPECT_LT(Verify().mSignalToNoise, 0.0);
 }
 
+// A codec blurs the beginning, so that the tone is more like itself some periods late.
+TEST(DelaySearch, FindsTheDelayOfATone)
+{
+    std::vector<float> tone(20000);
+    for (std::size_t frame = 0; frame < tone.size(); ++frame)
+        tone[frame] = std::sin(0.1425F * static_cast<float>(frame));
+    for (const std::int64_t delay : {0, 256, 1024, 2112})
+    {
+        std::vector<float> copy(static_cast<std::size_t>(delay), 0.0F);
+        copy.insert(copy.end(), tone.begin(), tone.end());
+        for (std::size_t frame = 0; frame < 300; ++frame)
+            copy[static_cast<std::size_t>(delay) + frame] *= static_cast<float>(frame) / 300;
+        EXPECT_EQ(host::FindDelay(tone, copy, 0), delay);
+    }
+}
+
+TEST(DelaySearch, FindsNoDelayInSilence)
+{
+    EXPECT_EQ(host::FindDelay(std::vector<float>(9000, 0.5F), std::vector<float>(9000), 0), 0);
+    EXPECT_EQ(host::FindDelay(std::vector<float>(9000, 0.5F), {}, 0), 0);
+}
+
 TEST(DelaySearch, FindsTheOnset)
 {
     EXPECT_EQ(host::FindOnset(std::vector<float>{0, 0, 0.5F}), 2);
