@@ -176,6 +176,20 @@ TEST(FileBounds, AreNoneForRF64AndBW64)
     }
 }
 
+TEST(FileBounds, OfShortRF64AndBW64StandInTheSameForm)
+{
+    for (const AudioFileTypeID type : {kAudioFileRF64Type, kAudioFileBW64Type})
+    {
+        CountingSink sink;
+        EXPECT_EQ(WriteZeros(sink, {type, Integers(16, 2), {}}, 12), noErr);
+        EXPECT_EQ(ReadBE32(sink.At(0)), type);
+        EXPECT_EQ(ReadBE32(sink.At(12)), UInt32{CA_FOUR_CHAR_CODE('d', 's', '6', '4')});
+        EXPECT_EQ(ReadLE64(sink.At(20)), 84u);
+        EXPECT_EQ(ReadLE64(sink.At(28)), 12u);
+        EXPECT_EQ(ReadLE64(sink.At(36)), 3u);
+    }
+}
+
 TEST(FileBounds, OfFactGoIntoTheSizesOfRF64)
 {
     const auto gsm = converter_use::Compressed(kAudioFormatMicrosoftGSM, 8000, 1, 320, 65);

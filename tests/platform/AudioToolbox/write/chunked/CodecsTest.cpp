@@ -2,6 +2,7 @@
 #include "OtherReaders.h"
 #include "Written.h"
 #include "platform/AudioToolbox/src/file/AACConfig.h"
+#include "platform/AudioToolbox/src/file/Endian.h"
 
 #include <cmath>
 
@@ -101,6 +102,56 @@ TEST(WrittenPackets, HaveAPacketTableInCAFThatTellsPrimingAndRemainder)
         EXPECT_EQ(static_cast<SInt64>(inTones.mStream.mPackets.size() * format.mFramesPerPacket),
                   table.mPrimingFrames + table.mNumberValidFrames + table.mRemainderFrames);
     });
+}
+
+// The body of a chunk that is found by its name.
+Bytes BodyIn(const Bytes& inFile, const char* inName)
+{
+    const Bytes name = testing_support::ByteBuilder().Text(inName).Get();
+    const auto at = std::search(inFile.begin(), inFile.end(), name.begin(), name.end());
+    if (inFile.end() - at < 12)
+        return {};
+    const auto size = static_cast<std::ptrdiff_t>(audiotoolbox::ReadBE64(&*at + 4));
+    return Bytes(at + 12, at + 12 + size);
+}
+
+TEST(WrittenPackets, HaveTheirCookieInCAFInTheFormThatReadersExpect)
+{
+    EncodedTones aac = Encode(kAudioFormatMPEG4AAC, 2, 3000);
+    aac.mStart.mBitRate = 128000;
+    aac.mStart.mMaximumPacketBytes = 1536;
+    const Bytes descriptor = BodyIn(WriteEncoded(kAudioFileCAFType, aac), "kuki");
+    ASSERT_GE(descriptor.size(), 8u);
+    EXPECT_EQ(descriptor[0], 0x03);
+    EXPECT_EQ(descriptor[4] + 5u, descriptor.size()) << "the length of all";
+    EXPECT_EQ(descriptor[13], 0x40) << "MPEG-4 audio";
+    EXPECT_EQ(descriptor[14], 0x15) << "an audio stream";
+    EXPECT_EQ(audiotoolbox::ReadBE32(&descriptor[14]), 0x15000600u) << "a buffer of 1536";
+    EXPECT_EQ(audiotoolbox::ReadBE32(&descriptor[18]), 128000u) << "at most";
+    EXPECT_EQ(audiotoolbox::ReadBE32(&descriptor[22]), 128000u) << "on average";
+    const EncodedTones alac = Encode(kAudioFormatAppleLossless, 2, 3000);
+    EXPECT_EQ(BodyIn(WriteEncoded(kAudioFileCAFType, alac), "kuki"),
+              Bytes(alac.mStart.mCookie.begin() + 12, alac.mStart.mCookie.end()));
+}
+
+TEST(WrittenPackets, HaveTheCookieThatTheEncoderTellsAtTheEnd)
+{
+    EncodedTones alac = Encode(kAudioFormatAppleLossless, 2, 3000);
+    alac.mEnd.mCookie.back() ^= 0x55;
+    EXPECT_EQ(Open(WriteEncoded(kAudioFileCAFType, alac)).Facts().mCookie, alac.mEnd.mCookie);
+    alac.mEnd.mCookie.clear();
+    EXPECT_EQ(Open(WriteEncoded(kAudioFileCAFType, alac)).Facts().mCookie, alac.mStart.mCookie);
+}
+
+TEST(WrittenPackets, OfMSADPCMHaveTheUsualCoefficientsWithoutACookie)
+{
+    EncodedTones adpcm = Encode(kAudioFormatMicrosoftADPCM, 2, 3000);
+    const Bytes told = WriteEncoded(kAudioFileWAVEType, adpcm);
+    for (const Bytes& cookie : {Bytes{}, Bytes{1, 2, 3}, Bytes{1, 2, 7, 0, 5}})
+    {
+        adpcm.mStart.mCookie = cookie;
+        EXPECT_TRUE(WriteEncoded(kAudioFileWAVEType, adpcm) == told) << cookie.size();
+    }
 }
 
 TEST(WrittenPackets, BringTheirCookiesAlong)

@@ -292,6 +292,21 @@ TEST(FailingSinks, AreToldWhenTheHeaderCannotBePatched)
     }
 }
 
+TEST(FailingSinks, AreToldWhenABrokenPacketCannotBeCut)
+{
+    class Uncut : public MemorySink
+    {
+    public:
+        using MemorySink::MemorySink;
+        OSStatus Truncate(SInt64) override { return kAudio_IOError; }
+    };
+    const WriteRequest request = {kAudioFileWAVEType, Integers(16, 2), {}};
+    Uncut sink(44 + 6);
+    const Outcome outcome = Write(sink, request, {}, {Bytes(4), Bytes(4)}, {{}, 2, 0, 0}, 1);
+    EXPECT_EQ(outcome.mWritten, kAudio_DiskFullError);
+    EXPECT_EQ(outcome.mFinished, kAudio_IOError);
+}
+
 TEST(FailingSinks, OfAnEncodedStreamLeaveTheLengthOfWhatIsThere)
 {
     const EncodedTones tones = Encode(kAudioFormatDVIIntelIMA, 2, 5000);

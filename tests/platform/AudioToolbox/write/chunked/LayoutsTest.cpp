@@ -1,6 +1,7 @@
 // Channel layouts: every label comes back in the container's own form.
 #include "OtherReaders.h"
 #include "Written.h"
+#include "platform/AudioToolbox/src/file/Endian.h"
 #include "platform/AudioToolbox/src/file/write/chunked/SpeakerMask.h"
 
 namespace
@@ -118,6 +119,37 @@ TEST(WrittenLayouts, ThatAreNotKnownAreNotWritten)
         const Bytes file = WriteSamples(type, format, SomeSamples(format, 4), {1, 2});
         EXPECT_TRUE(Open(file).Facts().mChannelLayout.empty()) << "labels of another count";
     }
+}
+
+// The words of a CAF's layout record; where the codec decides, our reader does not look at it.
+Words RecordIn(AudioFormatID inFormat, const Labels& inLabels)
+{
+    using testing_support::ByteBuilder;
+    const auto channels = static_cast<UInt32>(inLabels.size());
+    const Bytes file = WriteEncoded(kAudioFileCAFType, Encode(inFormat, channels, 100), inLabels);
+    const Bytes name = ByteBuilder().Text("chan").Get();
+    auto at = std::search(file.begin(), file.end(), name.begin(), name.end()) + 12;
+    Words words;
+    for (UInt32 i = 0; i < 3 + 5 * channels; ++i, at += 4)
+        if (i < 3 || (i - 3) % 5 == 0)
+            words.push_back(audiotoolbox::ReadBE32(&*at));
+    return words;
+}
+
+TEST(WrittenLayouts, OfCodecsDescribeTheOrderOfTheirPackets)
+{
+    for (const AudioFormatID format : {kAudioFormatMPEG4AAC, kAudioFormatAppleLossless})
+    {
+        EXPECT_EQ(RecordIn(format, {1, 2, 3, 4, 5, 6}), (Words{0, 0, 6, 3, 1, 2, 5, 6, 4}));
+        EXPECT_EQ(RecordIn(format, {1, 2, 3}), (Words{0, 0, 3, 3, 1, 2}));
+        EXPECT_EQ(RecordIn(format, {400, 2, 3}), (Words{0, 0, 3, 400, 2, 3}));
+        EXPECT_EQ(RecordIn(format, {2, 1}), (Words{0, 0, 2, 2, 1}));
+    }
+    EXPECT_EQ(RecordIn(kAudioFormatAppleLossless, {1, 2, 3, 4, 5, 6, 7, 8}),
+              (Words{0, 0, 8, 3, 7, 8, 1, 2, 5, 6, 4}));
+    EXPECT_EQ(RecordIn(kAudioFormatMPEG4AAC, {1, 2, 3, 4, 33, 34, 5, 6}),
+              (Words{0, 0, 8, 3, 1, 2, 5, 6, 33, 34, 4}));
+    EXPECT_EQ(RecordIn(kAudioFormatULaw, {1, 2, 3}), (Words{0, 0, 3, 1, 2, 3}));
 }
 
 TEST(WrittenLayouts, AreWhatFFmpegReadsToo)

@@ -2,6 +2,7 @@
 
 #include "file/write/chunked/CAFCookies.h"
 #include "file/write/chunked/ChunkedWriter.h"
+#include "file/write/chunked/CodedOrder.h"
 #include "file/write/chunked/HeaderBytes.h"
 #include "file/write/chunked/LayoutRecord.h"
 #include "file/write/chunked/RequestChecks.h"
@@ -48,7 +49,7 @@ public:
                             : 0,
                         inRequest.mFormat.mFramesPerPacket),
           mFormat(inRequest.mFormat),
-          mLabels(KnownLabels(inRequest))
+          mLabels(CodedOrder(inRequest.mFormat.mFormatID, KnownLabels(inRequest)))
     {
         if (!HasConstantPackets(mFormat.mFormatID))
             mFormat.mBytesPerPacket = 0;
@@ -132,7 +133,7 @@ private:
     }
 
     AudioStreamBasicDescription mFormat;
-    std::vector<AudioChannelLabel> mLabels;
+    std::vector<AudioChannelLabel> mLabels;  // in the packets
     StreamStart mStart;
     std::vector<UInt8> mCookie;
     std::vector<UInt8> mSizes;  // of the packets, as the table has them
