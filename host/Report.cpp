@@ -21,18 +21,21 @@ void PrintObject(const nlohmann::ordered_json& inObject, FILE* inStream)
     std::fwrite(line.data(), 1, line.size(), inStream);
 }
 
-void PrintFailure(const Failure& inFailure, const std::string& inPath, bool inJson)
+nlohmann::ordered_json FailureObject(const Failure& inFailure, const std::string& inPath)
 {
-    const char* separator = inPath.empty() ? "" : ": ";
-    std::fprintf(stderr, "tarvo: %s%s%s\n", inPath.c_str(), separator, inFailure.what());
-    if (!inJson)
-        return;
-
     nlohmann::ordered_json object = NewObject();
     if (!inPath.empty())
         object["path"] = inPath;
     object["error"] = {{"result", inFailure.mResult}, {"text", inFailure.what()}};
-    PrintObject(object);
+    return object;
+}
+
+void PrintFailure(const Failure& inFailure, const std::string& inPath, bool inJson)
+{
+    const char* separator = inPath.empty() ? "" : ": ";
+    std::fprintf(stderr, "tarvo: %s%s%s\n", inPath.c_str(), separator, inFailure.what());
+    if (inJson)
+        PrintObject(FailureObject(inFailure, inPath));
 }
 
 void FlushOutput()

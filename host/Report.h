@@ -23,6 +23,9 @@ nlohmann::ordered_json NewObject();
 /// One line; bytes that are no UTF-8 (of a path, say) become U+FFFD.
 void PrintObject(const nlohmann::ordered_json& inObject, FILE* inStream = stdout);
 
+/// The "error" object of a failure; an empty path is left out.
+nlohmann::ordered_json FailureObject(const Failure& inFailure, const std::string& inPath);
+
 /// The failure as "PATH: text" on standard error, and with inJson also as an "error" object on
 /// standard output. An empty path is left out.
 void PrintFailure(const Failure& inFailure, const std::string& inPath, bool inJson);

@@ -26,8 +26,10 @@ using Work = std::function<int(const PlugIn&)>;
 
 void AddInfoCommand(CLI::App& ioProgram, const CommonOptions& inCommon, Work& outWork);
 void AddDecodeCommand(CLI::App& ioProgram, const CommonOptions& inCommon, Work& outWork);
+void AddConvertCommand(CLI::App& ioProgram, const CommonOptions& inCommon, Work& outWork);
 void AddDiagnoseCommand(CLI::App& ioProgram, const CommonOptions& inCommon, Work& outWork);
 void AddFormatsCommand(CLI::App& ioProgram, const CommonOptions& inCommon, Work& outWork);
+void AddSettingsCommand(CLI::App& ioProgram, const CommonOptions& inCommon, Work& outWork);
 void AddBenchReadCommand(CLI::App& ioProgram, const CommonOptions& inCommon, Work& outWork);
 
 }  // namespace host

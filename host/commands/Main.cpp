@@ -7,6 +7,7 @@
 #include "kelpcore/debug/Trace.h"
 
 #include <cstdio>
+#include <string_view>
 
 namespace
 {
@@ -25,6 +26,20 @@ void AddCommonOptions(CLI::App& ioProgram, host::CommonOptions& outCommon)
         command->add_option("--plug-in", outCommon.mBundle,
                             "Bundle to load instead of tarvo's own");
     }
+}
+
+// The options themselves are not to be relied on after a failing parse.
+bool IsAskedForJSON(int inCount, char** inArguments)
+{
+    for (int i = 1; i < inCount; ++i)
+    {
+        const std::string_view argument = inArguments[i];
+        if (argument == "--")
+            return false;
+        if (argument == "--json")
+            return true;
+    }
+    return false;
 }
 
 int Run(const host::CommonOptions& inCommon, const host::Work& inWork)
@@ -59,13 +74,15 @@ int main(int argc, char** argv)
 {
     host::WatchInterrupts();
 
-    CLI::App program("Reads audio files through the plug-in.", "tarvo");
+    CLI::App program("Reads and writes audio files through the plug-in.", "tarvo");
     host::CommonOptions common;
     host::Work work;
     host::AddInfoCommand(program, common, work);
     host::AddDecodeCommand(program, common, work);
+    host::AddConvertCommand(program, common, work);
     host::AddDiagnoseCommand(program, common, work);
     host::AddFormatsCommand(program, common, work);
+    host::AddSettingsCommand(program, common, work);
     host::AddBenchReadCommand(program, common, work);
     AddCommonOptions(program, common);
 
@@ -75,7 +92,12 @@ int main(int argc, char** argv)
     }
     catch (const CLI::ParseError& error)
     {
-        return program.exit(error) == 0 ? host::kExitDone : host::kExitUsage;
+        if (program.exit(error) == 0)
+            return host::kExitDone;
+        if (IsAskedForJSON(argc, argv))
+            host::PrintObject(
+                host::FailureObject(host::Failure(host::kExitUsage, 0, error.what()), ""));
+        return host::kExitUsage;
     }
     return Run(common, work);
 }

@@ -1,0 +1,110 @@
+#include "host/export/FileConverter.h"
+
+#include "host/Failure.h"
+#include "host/Interrupt.h"
+#include "host/TargetFile.h"
+#include "host/WriteSession.h"
+
+#include <AudioToolbox/AudioToolbox.h>
+
+#include <cstdio>
+#include <sys/stat.h>
+
+namespace host
+{
+
+namespace
+{
+
+// Below this, a lossy copy differs from its source by more than the source itself.
+constexpr double kWorstSignalToNoise = 0.0;
+
+std::int64_t FileSize(const std::string& inPath)
+{
+    struct stat status = {};
+    return stat(inPath.c_str(), &status) == 0 ? status.st_size : 0;
+}
+
+// FLAC keeps every bit, though it counts as lossy where settings are described.
+bool LosesBits(const ExportPlan& inPlan)
+{
+    return inPlan.mIsLossy && inPlan.mFormat != kAudioFormatFLAC;
+}
+
+void Require(const VerificationResult& inResult, bool inIsLossy, const std::string& inName)
+{
+    char text[160];
+    if (inIsLossy && inResult.mFramesFound >= inResult.mFramesExpected &&
+        inResult.mSignalToNoise >= kWorstSignalToNoise)
+        return;
+    if (!inIsLossy && inResult.IsExact())
+        return;
+    std::snprintf(text, sizeof(text),
+                  "%lld frames for %lld, first difference at %lld, signal to noise %.1f dB",
+                  static_cast<long long>(inResult.mFramesFound),
+                  static_cast<long long>(inResult.mFramesExpected),
+                  static_cast<long long>(inResult.mFirstDifference), inResult.mSignalToNoise);
+    throw Failure(kExitFailed, 0, inName + ": does not hold what was handed over: " + text);
+}
+
+}  // namespace
+
+ConvertReport FileConverter::Convert(const std::string& inSource, const std::string& inTarget,
+                                     const TellPlan& inTell) const
+{
+    ConvertReport report;
+    ReadSession source(mPlugIn, inSource);
+    const auto ask = [&](const ExportRequest& inRequest)
+    { return AskExportSettings(mPlugIn, inRequest); };
+    report.mPlan = PlanExport(ask, mOptions.mWish,
+                              {ShapeOf(source.Info()), source.Info().mSettings}, inTarget);
+    inTell(report.mPlan);
+
+    ConversionOptions options;
+    options.mTarget = report.mPlan.mAudio;
+    options.mDither = mOptions.mDither;
+    const Conversion conversion(source.Info(), options);
+    if (mOptions.mIsDryRun)
+        return report;
+
+    TargetFile target(inTarget, mOptions.mMayReplace, inSource);
+    report.mResult = Write(source, conversion, report.mPlan, target.TemporaryPath(), inTarget);
+    if (mOptions.mVerifies)
+    {
+        const bool isLossy = LosesBits(report.mPlan);
+        report.mVerification = Verify(inSource, target.TemporaryPath(), options, isLossy);
+        Require(*report.mVerification, isLossy, inTarget);
+    }
+    CheckInterrupt();
+    report.mBytes = FileSize(target.TemporaryPath());
+    target.Commit();
+    return report;
+}
+
+ConversionResult FileConverter::Write(ReadSession& ioSource, const Conversion& inConversion,
+                                      const ExportPlan& inPlan, const std::string& inPath,
+                                      const std::string& inName) const
+{
+    WriteSession writer(mPlugIn, {inPath, inName}, inPlan.mAudio, inPlan.mSettings);
+    ConvertProgress progress(mOptions.mProgress, inName, ioSource.Info().mFrameCount,
+                             ioSource.Info().mSampleRate);
+    const ConversionResult result =
+        inConversion.Run(ioSource, writer, [&](std::int64_t inFrames) { progress.Show(inFrames); });
+    writer.Finish();
+    progress.Finish(result.mFramesRead);
+    return result;
+}
+
+VerificationResult FileConverter::Verify(const std::string& inSource, const std::string& inCopy,
+                                         const ConversionOptions& inConversion,
+                                         bool inIsLossy) const
+{
+    VerificationRequest request;
+    request.mSource = inSource;
+    request.mCopy = inCopy;
+    request.mConversion = inConversion;
+    request.mIsLossy = inIsLossy;
+    return VerifyCopy(mPlugIn, request);
+}
+
+}  // namespace host
