@@ -2,7 +2,10 @@
 //
 // The archive of a dialog NAME is the resource NAME.ui, a form as Qt Designer keeps it. A control
 // is a widget with an object name, which is its ID: QComboBox a popup, QPushButton a button, QLabel
-// a static text. State that the form states (items, text, enabled, visible) is where they start.
+// a static text. What the form states (items, chosen item, text, enabled, visible) is where they
+// start. Controls in one cell of a layout take turns: the owner shows one of them at a time, and a
+// label whose buddy is one of them belongs to the one that shows.
+// Texts of the form that begin with "$$$/" are keys with their English text, for the localiser.
 #ifndef KELPUI_UI_UI_ARCHIVEDDIALOG_H
 #define KELPUI_UI_UI_ARCHIVEDDIALOG_H
 
@@ -32,24 +35,29 @@ struct Point
     double mY = 0;
 };
 
-/// Makes controls of an owner's own kind for an ID; empty: only those of the archive.
+/// Makes controls of an owner's own kind for a widget's class and ID; null for those that it leaves
+/// to the archive. An empty factory leaves all.
 using NodeFactory = boost::function<boost::intrusive_ptr<controls::UI_ControlView>(
     const UTF8String& inClass, const UTF8String& inID)>;
+
+/// A text of an archive as the user reads it; other texts than keys stay as they are.
+KELPUI_EXPORT UTF16String TranslateArchiveText(const UTF8String& inText);
 
 using ControlRef = boost::intrusive_ptr<controls::UI_ControlView>;
 
 class KELPUI_EXPORT UI_ArchivedDialog final : public UI_Dialog
 {
 public:
+    /// inResources     null: there is no archive
     /// inParentWindow  the toolkit's window that the dialog belongs to; may be null
-    /// inIsModal       false is not implemented and throws
+    /// inIsModal       dialogs are modal; false throws std::invalid_argument
     /// inIsResizable   whether the user may change the size
     /// inPosition      (0, 0): where the desktop puts it
-    /// inRemembers     whether size and position are kept for the next run; not implemented,
-    /// ignored inFlags         1: has a title bar Throws DialogArchiveError, with a text for
-    /// people, for an archive that is missing or damaged.
+    /// inRemembers     whether size and position are kept for the next run; ignored
+    /// inFlags         1: has a title bar
+    /// Throws DialogArchiveError for an archive that is missing or damaged.
     UI_ArchivedDialog(const inkwright::SupplierInterface& inSupplier,
-                      utility::ResourceManager& inResources, const UTF8String& inName,
+                      const utility::ResourceManager* inResources, const UTF8String& inName,
                       const UTF16String& inTitle, void* inParentWindow, bool inIsModal,
                       bool inIsResizable, Point inPosition, const NodeFactory& inNodeFactory,
                       bool inRemembers, unsigned inFlags);
@@ -76,6 +84,8 @@ public:
     const UTF16String& GetTitle() const { return mTitle; }
     void* GetParentWindow() const { return mParentWindow; }
     bool IsResizable() const { return mIsResizable; }
+    Point GetPosition() const { return mPosition; }
+    unsigned GetFlags() const { return mFlags; }
     const inkwright::BaseFont& GetBaseFont() const { return mBaseFont; }
 
 private:
@@ -84,6 +94,8 @@ private:
     UTF16String mTitle;
     void* mParentWindow;
     bool mIsResizable;
+    Point mPosition;
+    unsigned mFlags;
     inkwright::BaseFont mBaseFont;
 };
 

@@ -5,6 +5,7 @@
 #include "kelpui/controls/UI_Button.h"
 
 #include <boost/smart_ptr/intrusive_ptr.hpp>
+#include <boost/smart_ptr/shared_ptr.hpp>
 
 namespace kelpui::ui
 {
@@ -18,7 +19,7 @@ public:
     static constexpr long kCancelled = 0;
     static constexpr long kOK = 1;
 
-    UI_Dialog() = default;
+    UI_Dialog();
     virtual ~UI_Dialog();
     UI_Dialog(const UI_Dialog&) = delete;
     UI_Dialog& operator=(const UI_Dialog&) = delete;
@@ -40,9 +41,14 @@ public:
     long GetResult() const { return mResult; }
 
 protected:
+    /// The last result counts as cancelled from now on.
     void BeginRun();
 
 private:
+    void EndOn(const ButtonRef& inButton, const ButtonRef& inKept, long inResult);
+
+    // Buttons may live longer than the dialog that they closed.
+    const boost::shared_ptr<UI_Dialog*> mSelf;
     ButtonRef mOkButton;
     ButtonRef mCancelButton;
     bool mIsRunning = false;
