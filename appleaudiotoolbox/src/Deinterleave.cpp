@@ -14,16 +14,12 @@
 #define HWY_TARGET_INCLUDE "appleaudiotoolbox/src/Deinterleave.cpp"
 #include <hwy/foreach_target.h>
 #include <hwy/highway.h>
+#include <VectorBlocks-inl.h>
 
 #ifndef APPLEAUDIOTOOLBOX_SRC_DEINTERLEAVE_ONCE
 #define APPLEAUDIOTOOLBOX_SRC_DEINTERLEAVE_ONCE
 namespace appleaudiotoolbox
 {
-
-// Every step below takes a number of frames that divides this one.
-constexpr std::size_t kChunkFrames = 32;
-constexpr std::size_t kTileBytes = 16384;
-constexpr std::size_t kBlockBytes = 16;
 
 struct DeinterleaveJob
 {
@@ -63,51 +59,7 @@ std::size_t SplitWidth(const DeinterleaveJob&)
 #else
 
 namespace hn = hwy::HWY_NAMESPACE;
-
-// A vector is one or two blocks of 16 bytes, and everything but loading and storing stays within
-// blocks.
-using ByteTag = hn::CappedTag<std::uint8_t, 2 * kBlockBytes>;
-using Vector = hn::Vec<ByteTag>;
-constexpr std::size_t kBlocks = hn::MaxLanes(ByteTag()) / kBlockBytes;
-static_assert(kBlocks == 1 || kBlocks == 2);
-
-// One block from each address; the second counts only where vectors have two.
-HWY_INLINE Vector LoadBlocks(const std::uint8_t* inFirst, const std::uint8_t* inSecond)
-{
-    const ByteTag tag;
-    if constexpr (kBlocks == 1)
-        return hn::LoadU(tag, inFirst);
-    else
-    {
-        const hn::Half<ByteTag> half;
-        return hn::Combine(tag, hn::LoadU(half, inSecond), hn::LoadU(half, inFirst));
-    }
-}
-
-// Turns rows of frames into rows of channels, in each block for itself: zipping the two halves of
-// the rows as often as a row number has bits is a transposition.
-template <typename Lane, std::size_t kRows>
-HWY_INLINE void Transpose(Vector (&ioRows)[kRows])
-{
-    const hn::Repartition<Lane, ByteTag> tag;
-    const ByteTag bytes;
-    HWY_UNROLL(4)
-    for (std::size_t stage = 1; stage < kRows; stage *= 2)
-    {
-        Vector next[kRows];
-        HWY_UNROLL(8)
-        for (std::size_t row = 0; row < kRows / 2; ++row)
-        {
-            const auto upper = hn::BitCast(tag, ioRows[row]);
-            const auto lower = hn::BitCast(tag, ioRows[row + kRows / 2]);
-            next[2 * row] = hn::BitCast(bytes, hn::InterleaveLower(tag, upper, lower));
-            next[2 * row + 1] = hn::BitCast(bytes, hn::InterleaveUpper(tag, upper, lower));
-        }
-        HWY_UNROLL(16)
-        for (std::size_t row = 0; row < kRows; ++row)
-            ioRows[row] = next[row];
-    }
-}
+using namespace vectorblocks::HWY_NAMESPACE;
 
 // Samples of 1, 2 and 4 bytes: as many channels at once as fit a block.
 template <typename Lane>
@@ -133,12 +85,6 @@ struct WholeLanes
     }
 };
 
-// The same byte positions in both blocks.
-HWY_INLINE Vector Positions(const std::uint8_t (&inPositions)[kBlockBytes])
-{
-    return LoadBlocks(inPositions, inPositions);
-}
-
 // Stores 4 samples of 3 bytes from each block, whose lanes have 4 bytes. Writes 4 bytes more than
 // it counts; what comes behind goes over them.
 HWY_INLINE void StoreTriples(Vector inLanes, std::uint8_t* outSamples)
@@ -146,14 +92,9 @@ HWY_INLINE void StoreTriples(Vector inLanes, std::uint8_t* outSamples)
     alignas(16) static constexpr std::uint8_t kPacked[] = {0,  1,  2,  4,  5, 6, 8, 9,
                                                            10, 12, 13, 14, 0, 0, 0, 0};
     const Vector packed = hn::TableLookupBytes(inLanes, Positions(kPacked));
-    if constexpr (kBlocks == 1)
-        hn::StoreU(packed, ByteTag(), outSamples);
-    else
-    {
-        const hn::Half<ByteTag> half;
-        hn::StoreU(hn::LowerHalf(half, packed), half, outSamples);
-        hn::StoreU(hn::UpperHalf(half, packed), half, outSamples + 12);
-    }
+    StoreBlock<0>(packed, outSamples);
+    if constexpr (kBlocks == 2)
+        StoreBlock<1>(packed, outSamples + 12);
 }
 
 // Samples of 3 bytes: 4 channels at once, in lanes of 4 bytes on the way.
@@ -235,29 +176,12 @@ struct TriplePairs
     }
 };
 
-// Frames, in whole chunks, whose loads and stores stay within the buffers.
-template <typename Kernel>
-std::size_t SafeFrames(const DeinterleaveJob& inJob)
-{
-    const std::size_t frameBytes = inJob.mChannels * inJob.mSampleBytes;
-    const std::size_t lastChannel = (inJob.mChannels - 1) / Kernel::kGroup * Kernel::kGroup;
-    const std::size_t reach = lastChannel * inJob.mSampleBytes + kBlockBytes;
-    const std::size_t allBytes = inJob.mFrameCount * frameBytes;
-    if (allBytes < reach || inJob.mFrameCount < Kernel::kSpareFrames)
-        return 0;
-    const std::size_t frames =
-        std::min((allBytes - reach) / frameBytes + 1, inJob.mFrameCount - Kernel::kSpareFrames);
-    return frames / kChunkFrames * kChunkFrames;
-}
-
 template <typename Kernel>
 std::size_t SplitChunks(const DeinterleaveJob& inJob)
 {
     static_assert(kChunkFrames % Kernel::kStep == 0);
     const std::size_t frames = SafeFrames<Kernel>(inJob);
-    const std::size_t tileChunks =
-        kTileBytes / (inJob.mChannels * inJob.mSampleBytes * kChunkFrames);
-    const std::size_t tileFrames = std::max<std::size_t>(tileChunks, 1) * kChunkFrames;
+    const std::size_t tileFrames = TileFrames(inJob);
     for (std::size_t tile = 0; tile < frames; tile += tileFrames)
     {
         const std::size_t tileEnd = std::min(frames, tile + tileFrames);

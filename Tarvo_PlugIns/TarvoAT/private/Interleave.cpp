@@ -18,16 +18,12 @@
 #define HWY_TARGET_INCLUDE "Tarvo_PlugIns/TarvoAT/private/Interleave.cpp"
 #include <hwy/foreach_target.h>
 #include <hwy/highway.h>
+#include <VectorBlocks-inl.h>
 
 #ifndef TARVO_PLUGINS_TARVOAT_PRIVATE_INTERLEAVE_ONCE
 #define TARVO_PLUGINS_TARVOAT_PRIVATE_INTERLEAVE_ONCE
 namespace tarvo
 {
-
-// Every step below takes a number of frames that divides this one.
-constexpr std::size_t kChunkFrames = 32;
-constexpr std::size_t kTileBytes = 16384;
-constexpr std::size_t kBlockBytes = 16;
 
 struct InterleaveJob
 {
@@ -67,47 +63,7 @@ std::size_t JoinWidth(const InterleaveJob&)
 #else
 
 namespace hn = hwy::HWY_NAMESPACE;
-
-// A vector is one or two blocks of 16 bytes, and everything but loading and storing stays within
-// blocks.
-using ByteTag = hn::CappedTag<std::uint8_t, 2 * kBlockBytes>;
-using Vector = hn::Vec<ByteTag>;
-constexpr std::size_t kBlocks = hn::MaxLanes(ByteTag()) / kBlockBytes;
-static_assert(kBlocks == 1 || kBlocks == 2);
-
-// One block from each address; the second counts only where vectors have two.
-HWY_INLINE Vector LoadBlocks(const std::uint8_t* inFirst, const std::uint8_t* inSecond)
-{
-    const ByteTag tag;
-    if constexpr (kBlocks == 1)
-        return hn::LoadU(tag, inFirst);
-    else
-    {
-        const hn::Half<ByteTag> half;
-        return hn::Combine(tag, hn::LoadU(half, inSecond), hn::LoadU(half, inFirst));
-    }
-}
-
-// The same byte positions in both blocks.
-HWY_INLINE Vector Positions(const std::uint8_t (&inPositions)[kBlockBytes])
-{
-    return LoadBlocks(inPositions, inPositions);
-}
-
-template <std::size_t kBlock>
-HWY_INLINE void StoreBlock(Vector inBlocks, std::uint8_t* outBytes)
-{
-    if constexpr (kBlocks == 1)
-        hn::StoreU(inBlocks, ByteTag(), outBytes);
-    else
-    {
-        const hn::Half<ByteTag> half;
-        if constexpr (kBlock == 0)
-            hn::StoreU(hn::LowerHalf(half, inBlocks), half, outBytes);
-        else
-            hn::StoreU(hn::UpperHalf(half, inBlocks), half, outBytes);
-    }
-}
+using namespace vectorblocks::HWY_NAMESPACE;
 
 // The first 12 bytes of each block, and nothing behind them.
 template <std::size_t kBlock>
@@ -116,31 +72,6 @@ HWY_INLINE void StoreTwelve(Vector inBlocks, std::uint8_t* outBytes)
     alignas(16) std::uint8_t block[kBlockBytes];
     StoreBlock<kBlock>(inBlocks, block);
     std::memcpy(outBytes, block, 12);
-}
-
-// Turns rows of channels into rows of frames, in each block for itself: zipping the two halves of
-// the rows as often as a row number has bits is a transposition.
-template <typename Lane, std::size_t kRows>
-HWY_INLINE void Transpose(Vector (&ioRows)[kRows])
-{
-    const hn::Repartition<Lane, ByteTag> tag;
-    const ByteTag bytes;
-    HWY_UNROLL(4)
-    for (std::size_t stage = 1; stage < kRows; stage *= 2)
-    {
-        Vector next[kRows];
-        HWY_UNROLL(8)
-        for (std::size_t row = 0; row < kRows / 2; ++row)
-        {
-            const auto upper = hn::BitCast(tag, ioRows[row]);
-            const auto lower = hn::BitCast(tag, ioRows[row + kRows / 2]);
-            next[2 * row] = hn::BitCast(bytes, hn::InterleaveLower(tag, upper, lower));
-            next[2 * row + 1] = hn::BitCast(bytes, hn::InterleaveUpper(tag, upper, lower));
-        }
-        HWY_UNROLL(16)
-        for (std::size_t row = 0; row < kRows; ++row)
-            ioRows[row] = next[row];
-    }
 }
 
 // Samples of 1, 2 and 4 bytes: as many channels at once as fit a block.
@@ -295,21 +226,6 @@ struct TriplePairs
     }
 };
 
-// Frames, in whole chunks, whose loads and stores stay within the buffers.
-template <typename Kernel>
-std::size_t SafeFrames(const InterleaveJob& inJob)
-{
-    const std::size_t frameBytes = inJob.mChannels * inJob.mSampleBytes;
-    const std::size_t lastChannel = (inJob.mChannels - 1) / Kernel::kGroup * Kernel::kGroup;
-    const std::size_t reach = lastChannel * inJob.mSampleBytes + kBlockBytes;
-    const std::size_t allBytes = inJob.mFrameCount * frameBytes;
-    if (allBytes < reach || inJob.mFrameCount < Kernel::kSpareFrames)
-        return 0;
-    const std::size_t frames =
-        std::min((allBytes - reach) / frameBytes + 1, inJob.mFrameCount - Kernel::kSpareFrames);
-    return frames / kChunkFrames * kChunkFrames;
-}
-
 template <typename Kernel>
 void JoinTile(const InterleaveJob& inJob, std::size_t inChannel, std::size_t inBegin,
               std::size_t inEnd)
@@ -324,10 +240,8 @@ std::size_t JoinChunks(const InterleaveJob& inJob)
 {
     static_assert(kChunkFrames % Kernel::kStep == 0);
     const std::size_t frames = SafeFrames<Kernel>(inJob);
-    const std::size_t tileChunks =
-        kTileBytes / (inJob.mChannels * inJob.mSampleBytes * kChunkFrames);
-    const std::size_t tileFrames = std::max<std::size_t>(tileChunks, 1) * kChunkFrames;
-    const std::size_t lastGroup = (inJob.mChannels - 1) / Kernel::kGroup * Kernel::kGroup;
+    const std::size_t tileFrames = TileFrames(inJob);
+    const std::size_t lastGroup = LastGroup<Kernel>(inJob);
     for (std::size_t tile = 0; tile < frames; tile += tileFrames)
     {
         const std::size_t tileEnd = std::min(frames, tile + tileFrames);
