@@ -142,8 +142,8 @@ OSStatus AudioFileOpenURL(CFURLRef url, SInt8 permissions, AudioFileTypeID hint,
 {
     PlatformCalls calls = PlatformCalls::Current();
     const std::string path = Path(url);
-    calls.Note("AudioFileOpenURL \"" + path + "\" permissions " +
-               std::to_string(permissions) + " hint " + CodeOrZero(hint));
+    calls.Note("AudioFileOpenURL \"" + path + "\" permissions " + std::to_string(permissions) +
+               " hint " + CodeOrZero(hint));
     calls.SetOpened(path, nullptr);
     return calls.OpenFile(outFile);
 }
@@ -335,8 +335,7 @@ OSStatus ExtAudioFileSetProperty(ExtAudioFileRef file, ExtAudioFilePropertyID pr
     const Bytes value = Copy(size, data);
     calls.Note(Called("ExtAudioFileSetProperty", property) + " size " + std::to_string(size) + ":" +
                Hex(value));
-    return calls.Outcome(
-        calls.AskExtFile(file, property, Question::Kind::Set, value).mSetStatus);
+    return calls.Outcome(calls.AskExtFile(file, property, Question::Kind::Set, value).mSetStatus);
 }
 
 OSStatus ExtAudioFileGetProperty(ExtAudioFileRef file, ExtAudioFilePropertyID property,
