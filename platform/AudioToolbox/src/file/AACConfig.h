@@ -29,6 +29,10 @@ struct AACConfig
 /// False for bytes that are no configuration of AAC; outConfig is then unspecified.
 bool ParseAudioSpecificConfig(std::span<const UInt8> inBytes, AACConfig& outConfig);
 
+/// The same without an extension behind the core's configuration, for places that do not state how
+/// long the configuration is. outBits is what it takes of inBytes, which may go on.
+bool ParseCoreConfig(std::span<const UInt8> inBytes, AACConfig& outConfig, std::size_t& outBits);
+
 /// The AudioSpecificConfig within a cookie: the cookie itself, or the one inside an ES descriptor
 /// (first byte 0x03, or an 'esds' box body). Empty when there is none.
 std::vector<UInt8> AudioSpecificConfigOfCookie(std::span<const UInt8> inCookie);

@@ -91,6 +91,7 @@ OSStatus OpenMPEG4(AudioFileTypeID inType, ByteSourcePtr& ioSource, PacketReader
 /// Elementary streams of self-framing packets.
 OSStatus OpenMPEGAudio(AudioFileTypeID inType, ByteSourcePtr& ioSource, PacketReaderPtr& outReader);
 OSStatus OpenADTS(AudioFileTypeID inType, ByteSourcePtr& ioSource, PacketReaderPtr& outReader);
+OSStatus OpenLOAS(AudioFileTypeID inType, ByteSourcePtr& ioSource, PacketReaderPtr& outReader);
 OSStatus OpenAC3(AudioFileTypeID inType, ByteSourcePtr& ioSource, PacketReaderPtr& outReader);
 OSStatus OpenAMR(AudioFileTypeID inType, ByteSourcePtr& ioSource, PacketReaderPtr& outReader);
 OSStatus OpenFLAC(AudioFileTypeID inType, ByteSourcePtr& ioSource, PacketReaderPtr& outReader);

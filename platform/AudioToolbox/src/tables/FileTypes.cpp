@@ -151,7 +151,7 @@ constexpr FileTypeRow kFileTypes[] = {
     {kAudioFileAAC_ADTSType, "AAC ADTS", kADTSExtensions, kADTSMIMETypes, kAACFormats,
      true, &LooksLikeADTS, &OpenADTS},
     {kAudioFileLATMInLOASType, "AAC LATM/LOAS", kLOASExtensions, kLOASMIMETypes, kAACFormats,
-     true, &LooksLikeLOAS, nullptr},
+     true, &LooksLikeLOAS, &OpenLOAS},
     {kAudioFileMP3Type, "MPEG Layer 3", kMP3Extensions, kMP3MIMETypes, kMP3Formats,
      true, &LooksLikeMPEGLayer3, &OpenMPEGAudio},
     {kAudioFileMP2Type, "MPEG Layer 2", kMP2Extensions, kMPEGMIMETypes, kMP2Formats,

@@ -101,11 +101,11 @@ TEST(Sniffing, KnowsNothingElse)
         EXPECT_EQ(TypeOf(head), 0u);
 }
 
-TEST(Opening, RefusesATypeThatIsNotRead)
+TEST(Opening, RefusesASyncWordWithoutAStream)
 {
     Bytes head = {0x56, 0xE0, 0x20};  // LOAS
     head.resize(4096);
-    EXPECT_EQ(Open(head).mStatus, kAudioFileUnsupportedFileTypeError);
+    EXPECT_EQ(Open(head).mStatus, kAudioFileInvalidFileError);
 }
 
 TEST(Opening, FindsAStreamBehindATagAndUncountedPadding)

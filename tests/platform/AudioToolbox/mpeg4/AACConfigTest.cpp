@@ -312,5 +312,31 @@ TEST(AACLayers, SevenOneIsDescribedByLabels)
     }
 }
 
+TEST(AACCoreConfig, EndsWhereTheCoreDoes)
+{
+    struct Row
+    {
+        std::vector<UInt8> mBytes;
+        std::size_t mBits;
+        double mRate;
+    };
+    const Row rows[] = {
+        {{0x12, 0x10, 0x56, 0xE5, 0x80}, 16, 44100},        // an extension or whatever follows
+        {{0x17, 0x80, 0x56, 0x0C, 0x10, 0xFF}, 40, 44056},  // a rate of its own
+        {{0xEB, 0x09, 0x88, 0x00, 0xFF}, 25, 24000},        // parametric stereo in front
+    };
+    for (const Row& row : rows)
+    {
+        AACConfig config;
+        std::size_t bits = 0;
+        ASSERT_TRUE(ParseCoreConfig(row.mBytes, config, bits)) << row.mRate;
+        EXPECT_EQ(bits, row.mBits) << row.mRate;
+        EXPECT_EQ(config.mSampleRate, row.mRate);
+    }
+    AACConfig config;
+    std::size_t bits = 0;
+    EXPECT_FALSE(ParseCoreConfig(std::vector<UInt8>{0x12}, config, bits));
+}
+
 }  // namespace
 }  // namespace audiotoolbox

@@ -52,6 +52,7 @@ TEST(StreamAllocation, ReadingAllocatesNothing)
     };
     const Row rows[] = {{kMPEG, "streams/untagged-44100-stereo.mp3"},
                         {kADTS, "streams/44100-stereo.aac"},
+                        {kLOAS, "streams/44100-stereo.loas"},
                         {kAC3, "streams/48000-51.ac3"},
                         {kFLAC, "streams/48000-51-24.flac"}};
     for (const Row& row : rows)

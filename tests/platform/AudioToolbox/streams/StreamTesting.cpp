@@ -16,6 +16,7 @@ using audiotoolbox::FileFacts;
 
 const StreamKind kMPEG = {audiotoolbox::OpenMPEGAudio, kAudioFileMP3Type};
 const StreamKind kADTS = {audiotoolbox::OpenADTS, kAudioFileAAC_ADTSType};
+const StreamKind kLOAS = {audiotoolbox::OpenLOAS, kAudioFileLATMInLOASType};
 const StreamKind kAC3 = {audiotoolbox::OpenAC3, kAudioFileAC3Type};
 const StreamKind kEAC3 = {audiotoolbox::OpenAC3, kAudioFileEAC3Type};
 const StreamKind kAMR = {audiotoolbox::OpenAMR, kAudioFileAMRType};

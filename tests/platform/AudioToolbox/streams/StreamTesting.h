@@ -27,6 +27,7 @@ struct StreamKind
 };
 extern const StreamKind kMPEG;
 extern const StreamKind kADTS;
+extern const StreamKind kLOAS;
 extern const StreamKind kAC3;
 extern const StreamKind kEAC3;
 extern const StreamKind kAMR;

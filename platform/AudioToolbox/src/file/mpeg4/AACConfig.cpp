@@ -156,6 +156,22 @@ bool ReadTypeAndRates(BitReader& ioBits, AACConfig& outConfig)
     return outConfig.mSampleRate != 0 && !ioBits.IsPastEnd();
 }
 
+// Everything but the extension behind the core.
+bool ReadConfig(BitReader& ioBits, AACConfig& outConfig)
+{
+    if (!ReadTypeAndRates(ioBits, outConfig))
+        return false;
+    if (outConfig.mObjectType == kERELD)
+    {
+        outConfig.mFramesPerPacket = CoreFrames(kERELD, ioBits.ReadFlag());
+        return !ioBits.IsPastEnd();
+    }
+    if (!IsGeneralType(outConfig.mObjectType))
+        return false;
+    ReadGeneralConfig(ioBits, outConfig);
+    return !ioBits.IsPastEnd();
+}
+
 AudioFormatListItem MakeItem(AudioFormatID inFormat, double inRate, UInt32 inFrames,
                              UInt32 inChannels, AudioChannelLayoutTag inTag)
 {
@@ -180,21 +196,19 @@ bool HasLayers(const AACConfig& inConfig)
 bool ParseAudioSpecificConfig(std::span<const UInt8> inBytes, AACConfig& outConfig)
 {
     BitReader bits(inBytes);
-    if (!ReadTypeAndRates(bits, outConfig))
-        return false;
-    if (outConfig.mObjectType == kERELD)
-    {
-        outConfig.mFramesPerPacket = CoreFrames(kERELD, bits.ReadFlag());
-        return !bits.IsPastEnd();
-    }
-    if (!IsGeneralType(outConfig.mObjectType))
-        return false;
-    ReadGeneralConfig(bits, outConfig);
-    if (bits.IsPastEnd())
+    if (!ReadConfig(bits, outConfig))
         return false;
     if (!outConfig.mHasSBR && outConfig.mObjectType == kLowComplexity)
         ReadSyncExtension(bits, outConfig);
     return true;
+}
+
+bool ParseCoreConfig(std::span<const UInt8> inBytes, AACConfig& outConfig, std::size_t& outBits)
+{
+    BitReader bits(inBytes);
+    const bool isRead = ReadConfig(bits, outConfig) && outConfig.mObjectType != kERELD;
+    outBits = bits.Position();
+    return isRead;
 }
 
 std::vector<UInt8> AudioSpecificConfigOfCookie(std::span<const UInt8> inCookie)

@@ -3,6 +3,7 @@
 #include "file/streams/AC3Header.h"
 #include "file/streams/ADTSHeader.h"
 #include "file/streams/FrameSearch.h"
+#include "file/streams/LOASHeader.h"
 #include "file/streams/MPEGHeader.h"
 
 namespace audiotoolbox
@@ -14,7 +15,8 @@ namespace
 
 constexpr int kFramesInARow = 6;
 
-constexpr SInt64 kLongestRest = kLargestADTSFrame;  // no other stream has frames as large
+// No other stream has frames as large.
+constexpr SInt64 kLongestRest = LOASSyntax::kHeaderBytes + kLargestLOASElement;
 
 template <typename Syntax>
 bool IsRow(StreamWindow& ioWindow, SInt64 inPosition, typename Syntax::Header inFirst)
@@ -49,6 +51,9 @@ AudioFileTypeID TypeOfRow(StreamWindow& ioWindow, SInt64 inStart)
     ADTSHeader adts;
     if (FindRow<ADTSSyntax>(ioWindow, inStart, adts))
         return kAudioFileAAC_ADTSType;
+    LOASHeader loas;
+    if (FindRow<LOASSyntax>(ioWindow, inStart, loas))
+        return kAudioFileLATMInLOASType;
     AC3Header ac3;
     if (FindRow<AC3Syntax>(ioWindow, inStart, ac3))
         return ac3.mIsEnhanced ? kAudioFileEAC3Type : kAudioFileAC3Type;
