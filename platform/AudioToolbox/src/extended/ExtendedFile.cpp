@@ -1,5 +1,6 @@
 #include "extended/ExtendedFile.h"
 
+#include "extended/GatheringWriter.h"
 #include "tables/WritableTypes.h"
 
 #include <AudioToolbox/ExtendedAudioFile.h>
@@ -90,7 +91,7 @@ OSStatus ExtendedFile::Plan(const AudioStreamBasicDescription& inClient, Convers
     if (const OSStatus status = mRequest.mMakeWriter(stored, writer); status != noErr)
         return status;
     outStored = std::move(stored);
-    outWriter = std::move(writer);
+    outWriter = std::make_unique<GatheringWriter>(std::move(writer));
     return noErr;
 }
 

@@ -24,8 +24,8 @@ TEST(Frames, OfTheFilesFormatGoFromTheCallersBufferToTheContainer)
     ASSERT_EQ(Write(*file, samples, 2), noErr);
     ASSERT_EQ(record->mPlaces.size(), 1u);
     EXPECT_EQ(record->mPlaces[0], reinterpret_cast<const UInt8*>(samples.data()));
-    EXPECT_EQ(WordsOf<SInt16>(record->mBytes), samples);
     EXPECT_EQ(file->Close(), noErr);
+    EXPECT_EQ(WordsOf<SInt16>(record->mBytes), samples);
     EXPECT_EQ(record->mCalls, "SWFC");
     EXPECT_EQ(record->mEnd.mValidFrames, 100000);
     EXPECT_EQ(record->mEnd.mPrimingFrames, 0u);
@@ -37,8 +37,8 @@ TEST(Frames, AreTheFilesOwnWhereNoClientFormatIsToldForLinearPCM)
     RecordInUse record;
     const auto file = NewFile(kAudioFileAIFFType, Linear(kRate, kSigned | kBig, 16, 1));
     ASSERT_EQ(Write(*file, std::vector<SInt16>{1, 2, 3}, 1), noErr);
-    EXPECT_EQ(WordsOf<SInt16>(record->mBytes), (std::vector<SInt16>{1, 2, 3}));
     EXPECT_EQ(file->Close(), noErr);
+    EXPECT_EQ(WordsOf<SInt16>(record->mBytes), (std::vector<SInt16>{1, 2, 3}));
 }
 
 TEST(Frames, AreConvertedInOnePass)
@@ -47,8 +47,8 @@ TEST(Frames, AreConvertedInOnePass)
     const auto file = NewFile(kAudioFileAIFFType, Linear(kRate, kSigned | kBig, 24, 2));
     ASSERT_EQ(file->SetClientFormat(Linear(kRate, kSigned, 16, 2)), noErr);
     ASSERT_EQ(Write(*file, std::vector<SInt16>{0x0102, -2}, 2), noErr);
-    EXPECT_EQ(record->mBytes, (ByteVector{0x01, 0x02, 0x00, 0xFF, 0xFE, 0x00}));
     EXPECT_EQ(file->Close(), noErr);
+    EXPECT_EQ(record->mBytes, (ByteVector{0x01, 0x02, 0x00, 0xFF, 0xFE, 0x00}));
     EXPECT_EQ(record->mEnd.mValidFrames, 1);
 }
 
@@ -69,11 +69,11 @@ TEST(Frames, ArriveWholeHoweverTheyAreCutAndHoweverManyTheyAre)
                             2),
                       noErr);
         }
+        EXPECT_EQ(file->Close(), noErr);
         const std::vector<Float32> written = WordsOf<Float32>(record->mBytes);
         ASSERT_EQ(written.size(), samples.size());
         for (std::size_t i = 0; i < samples.size(); ++i)
             ASSERT_EQ(written[i], static_cast<Float32>(samples[i]) / 32768.0f) << i;
-        EXPECT_EQ(file->Close(), noErr);
     }
 }
 
@@ -86,9 +86,9 @@ TEST(Frames, BeyondFullScaleSaturateAndWhatIsNoNumberIsSilent)
     const std::vector<Float32> samples = {
         2.0f, -2.0f, kInfinity, -kInfinity, std::numeric_limits<Float32>::quiet_NaN(), 0.5f};
     ASSERT_EQ(Write(*file, samples, 1), noErr);
+    EXPECT_EQ(file->Close(), noErr);
     EXPECT_EQ(WordsOf<SInt16>(record->mBytes),
               (std::vector<SInt16>{32767, -32768, 32767, -32768, 0, 16384}));
-    EXPECT_EQ(file->Close(), noErr);
 }
 
 struct WordRow
@@ -122,9 +122,9 @@ TEST(Channels, MoveAsWholeWordsOfEveryWidth)
                     expected.push_back(static_cast<UInt8>(frame * 31 + channel * 8 + byte));
         }
         ASSERT_EQ(file->Write(client.data(), kFrames, static_cast<UInt32>(client.size())), noErr);
+        EXPECT_EQ(file->Close(), noErr);
         EXPECT_TRUE(record->mBytes == expected) << bits << " bits";
         EXPECT_EQ(record->mRequest.mLabels, (Labels{1, 2, 3}));
-        EXPECT_EQ(file->Close(), noErr);
     }
 }
 
@@ -134,8 +134,8 @@ TEST(Channels, MoveBeforeTheyAreConverted)
     const auto file = NewFile(kAudioFileWAVEType, Linear(kRate, kFloat, 32, 2), {2, 1});
     ASSERT_EQ(file->SetClientFormat(Linear(kRate, kSigned, 16, 2)), noErr);
     ASSERT_EQ(Write(*file, std::vector<SInt16>{16384, -16384}, 2), noErr);
-    EXPECT_EQ(WordsOf<Float32>(record->mBytes), (std::vector<Float32>{-0.5f, 0.5f}));
     EXPECT_EQ(file->Close(), noErr);
+    EXPECT_EQ(WordsOf<Float32>(record->mBytes), (std::vector<Float32>{-0.5f, 0.5f}));
 }
 
 TEST(Channels, ThatAreMixedHaveNoNames)

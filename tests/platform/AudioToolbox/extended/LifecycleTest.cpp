@@ -157,8 +157,8 @@ TEST(Writing, NeverReadsBehindTheBuffer)
     EXPECT_EQ(file->Write(frames, 0xFFFFFFFF, 16), kAudio_ParamError);
     EXPECT_EQ(file->Write(frames, 0x40000001, 4), kAudio_ParamError) << "as 32 bits it would fit";
     EXPECT_EQ(file->Write(frames, 4, 19), noErr) << "what is too much is left alone";
-    EXPECT_EQ(record->mBytes.size(), 16u);
     EXPECT_EQ(file->Close(), noErr);
+    EXPECT_EQ(record->mBytes.size(), 16u);
 }
 
 TEST(AFileThatIsNeverWritten, IsStartedAndFinished)
@@ -201,16 +201,17 @@ TEST(Failures, OfAWriteLeaveAFileThatIsFinished)
         record->mWriteStatus = kFirst;
         const auto file = NewFile(kAudioFileWAVEType, kWords16);
         ASSERT_EQ(file->SetClientFormat(client), noErr);
-        const std::vector<UInt8> frames(8 * client.mBytesPerFrame);
+        constexpr UInt32 kFrames = 8192;  // in the file, a write of the size that is handed on
+        const std::vector<UInt8> frames(kFrames * client.mBytesPerFrame);
         const auto write = [&]
-        { return file->Write(frames.data(), 8, static_cast<UInt32>(frames.size())); };
+        { return file->Write(frames.data(), kFrames, static_cast<UInt32>(frames.size())); };
         EXPECT_EQ(write(), noErr);
         EXPECT_EQ(write(), kFirst);
         EXPECT_EQ(write(), kFirst);
         record->mFinishStatus = kSecond;
         EXPECT_EQ(file->Close(), kFirst);
         EXPECT_EQ(record->mCalls, "SWWFC");
-        EXPECT_EQ(record->mBytes.size(), 8u * 4u);
+        EXPECT_EQ(record->mBytes.size(), 8192u * 4u);
     }
 }
 

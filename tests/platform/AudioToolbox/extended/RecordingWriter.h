@@ -19,7 +19,8 @@ struct Record
     audiotoolbox::StreamStart mStart;
     audiotoolbox::StreamEnd mEnd;
     ByteVector mBytes;
-    std::vector<UInt32> mPacketBytes;   // of described packets
+    std::vector<SInt64> mPacketStarts;  // of described packets, within their write
+    std::vector<UInt32> mPacketBytes;
     std::vector<UInt32> mPacketFrames;  // 0: the usual number
     std::vector<const UInt8*> mPlaces;  // where the bytes of each write lay
 
@@ -69,6 +70,7 @@ public:
         sRecord->mBytes.insert(sRecord->mBytes.end(), inBytes.begin(), inBytes.end());
         for (const AudioStreamPacketDescription& packet : inPackets)
         {
+            sRecord->mPacketStarts.push_back(packet.mStartOffset);
             sRecord->mPacketBytes.push_back(packet.mDataByteSize);
             sRecord->mPacketFrames.push_back(packet.mVariableFramesInPacket);
         }

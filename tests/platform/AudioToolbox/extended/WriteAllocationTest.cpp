@@ -5,6 +5,8 @@
 
 #include "../convert/AllocationCount.h"
 
+#include <sys/mman.h>
+
 namespace
 {
 
@@ -70,6 +72,55 @@ TEST(AWrite, AllocatesNothingOnceTheFileIsUnderWay)
         EXPECT_EQ(AllocationCount(), before) << row.mName;
         EXPECT_EQ(SilentWriter::sBytes, 20u * kFrames * file.Format().mBytesPerPacket);
         EXPECT_EQ(file.Close(), noErr);
+    }
+}
+
+// Pages that nobody has written cost no memory.
+class ManyZeros
+{
+public:
+    explicit ManyZeros(std::size_t inBytes)
+        : mByteCount(inBytes),
+          mBytes(::mmap(nullptr, inBytes, PROT_READ, MAP_PRIVATE | MAP_ANONYMOUS | MAP_NORESERVE,
+                        -1, 0))
+    {
+    }
+    ManyZeros(const ManyZeros&) = delete;
+    ManyZeros& operator=(const ManyZeros&) = delete;
+    ~ManyZeros()
+    {
+        if (IsThere())
+            (void)::munmap(mBytes, mByteCount);
+    }
+    bool IsThere() const { return mBytes != MAP_FAILED; }
+    const UInt8* Bytes() const { return static_cast<const UInt8*>(mBytes); }
+
+private:
+    const std::size_t mByteCount;
+    void* mBytes;
+};
+
+TEST(AWrite, MayHaveMoreBytesThan31BitsCount)
+{
+    constexpr UInt32 kFrames = (1u << 29) + 5;
+    const ManyZeros zeros(std::size_t{kFrames} * 4);
+    if (!zeros.IsThere())
+        GTEST_SKIP() << "no address space";
+    const Description words16 = Linear(48000, kSigned, 16, 2);
+    const Description swapped = Linear(48000, kSigned | kAudioFormatFlagIsBigEndian, 16, 2);
+    RecordInUse record;
+    for (const auto& [name, format] :
+         {std::pair{"straight", words16}, std::pair{"converted", swapped}})
+    {
+        ExtendedFile file({kAudioFileWAVEType, format, {}, &MakeSilentWriter});
+        ASSERT_EQ(file.Check(), noErr);
+        file.Attach(std::make_unique<RecordingSink>());
+        ASSERT_EQ(file.SetClientFormat(words16), noErr);
+        SilentWriter::sBytes = 0;
+        EXPECT_EQ(file.Write(zeros.Bytes(), kFrames, kFrames * 4), noErr);
+        EXPECT_EQ(file.FrameCount(), SInt64{kFrames});
+        EXPECT_EQ(file.Close(), noErr);
+        EXPECT_EQ(SilentWriter::sBytes, std::size_t{kFrames} * 4) << name;
     }
 }
 

@@ -13,11 +13,19 @@ struct WriterRow
 
 // clang-format off
 constexpr WriterRow kWriters[] = {
-    {kAudioFile3GP2Type,  &MakeMPEG4Writer},
-    {kAudioFile3GPType,   &MakeMPEG4Writer},
-    {kAudioFileM4AType,   &MakeMPEG4Writer},
-    {kAudioFileM4BType,   &MakeMPEG4Writer},
-    {kAudioFileMPEG4Type, &MakeMPEG4Writer},
+    {kAudioFile3GP2Type,       &MakeMPEG4Writer},
+    {kAudioFile3GPType,        &MakeMPEG4Writer},
+    {kAudioFileAIFCType,       &MakeAIFFWriter},
+    {kAudioFileAIFFType,       &MakeAIFFWriter},
+    {kAudioFileBW64Type,       &MakeRIFFWriter},
+    {kAudioFileNextType,       &MakeAUWriter},
+    {kAudioFileRF64Type,       &MakeRIFFWriter},
+    {kAudioFileWave64Type,     &MakeWave64Writer},
+    {kAudioFileWAVEType,       &MakeRIFFWriter},
+    {kAudioFileCAFType,        &MakeCAFWriter},
+    {kAudioFileM4AType,        &MakeMPEG4Writer},
+    {kAudioFileM4BType,        &MakeMPEG4Writer},
+    {kAudioFileMPEG4Type,      &MakeMPEG4Writer},
 };
 // clang-format on
 
