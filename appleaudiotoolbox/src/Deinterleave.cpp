@@ -59,7 +59,17 @@ std::size_t SplitWidth(const DeinterleaveJob&)
 #else
 
 namespace hn = hwy::HWY_NAMESPACE;
-using namespace vectorblocks::HWY_NAMESPACE;
+using vectorblocks::HWY_NAMESPACE::ByteTag;
+using vectorblocks::HWY_NAMESPACE::kBlockBytes;
+using vectorblocks::HWY_NAMESPACE::kBlocks;
+using vectorblocks::HWY_NAMESPACE::kChunkFrames;
+using vectorblocks::HWY_NAMESPACE::LoadBlocks;
+using vectorblocks::HWY_NAMESPACE::Positions;
+using vectorblocks::HWY_NAMESPACE::SafeFrames;
+using vectorblocks::HWY_NAMESPACE::StoreBlock;
+using vectorblocks::HWY_NAMESPACE::TileFrames;
+using vectorblocks::HWY_NAMESPACE::Transpose;
+using vectorblocks::HWY_NAMESPACE::Vector;
 
 // Samples of 1, 2 and 4 bytes: as many channels at once as fit a block.
 template <typename Lane>

@@ -3,9 +3,9 @@
 // in tiles that stay in the first-level cache while one group of channels after the other is put
 // into them; what is left at the end goes sample by sample.
 //
-// A store is always as wide as a block. In the last group of channels it may reach into the frames
-// behind its own, so that group goes first in each tile, and frames go in ascending order: whatever
-// a store has spoiled is written afterwards.
+// Stores of the last group of channels are as wide as a block and may reach into the frames behind
+// their own. So that group goes first in each tile, and frames go in ascending order: whatever a
+// store has spoiled is written afterwards.
 #include "Tarvo_PlugIns/TarvoAT/private/Interleave.h"
 
 #include <algorithm>
@@ -63,7 +63,18 @@ std::size_t JoinWidth(const InterleaveJob&)
 #else
 
 namespace hn = hwy::HWY_NAMESPACE;
-using namespace vectorblocks::HWY_NAMESPACE;
+using vectorblocks::HWY_NAMESPACE::ByteTag;
+using vectorblocks::HWY_NAMESPACE::kBlockBytes;
+using vectorblocks::HWY_NAMESPACE::kBlocks;
+using vectorblocks::HWY_NAMESPACE::kChunkFrames;
+using vectorblocks::HWY_NAMESPACE::LastGroup;
+using vectorblocks::HWY_NAMESPACE::LoadBlocks;
+using vectorblocks::HWY_NAMESPACE::Positions;
+using vectorblocks::HWY_NAMESPACE::SafeFrames;
+using vectorblocks::HWY_NAMESPACE::StoreBlock;
+using vectorblocks::HWY_NAMESPACE::TileFrames;
+using vectorblocks::HWY_NAMESPACE::Transpose;
+using vectorblocks::HWY_NAMESPACE::Vector;
 
 // The first 12 bytes of each block, and nothing behind them.
 template <std::size_t kBlock>
