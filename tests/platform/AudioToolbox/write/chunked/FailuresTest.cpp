@@ -256,30 +256,54 @@ TEST(FailingSinks, LeaveAHeaderThatAgreesWithTheWholePacketsInTheFile)
     }
 }
 
+// Takes a part of the second append behind the header and answers -34, once.
+class OnceFull : public MemorySink
+{
+public:
+    explicit OnceFull(std::size_t inTaken) : mTaken(inTaken) {}
+
+    OSStatus Append(std::span<const UInt8> inBytes) override
+    {
+        if (++mCalls != 3)
+            return MemorySink::Append(inBytes);
+        (void)MemorySink::Append(inBytes.first(mTaken));
+        return kAudio_DiskFullError;
+    }
+
+private:
+    std::size_t mTaken;
+    int mCalls = 0;
+};
+
 TEST(FailingSinks, MayFindRoomAgainBehindAFailedWrite)
 {
-    // Answers -34 once, in the middle of a frame.
-    class OnceFull : public MemorySink
-    {
-    public:
-        OSStatus Append(std::span<const UInt8> inBytes) override
-        {
-            if (++mCalls != 3)
-                return MemorySink::Append(inBytes);
-            (void)MemorySink::Append(inBytes.first(5));
-            return kAudio_DiskFullError;
-        }
-        int mCalls = 0;
-    };
     PacketWriterPtr writer;
     ASSERT_EQ(MakeWriter({kAudioFileWAVEType, Integers(16, 1), {}}, writer), noErr);
-    OnceFull sink;
+    OnceFull sink(5);
     ASSERT_EQ(writer->Start(sink, {}), noErr);
     EXPECT_EQ(writer->Write(Bytes{1, 2, 3, 4}, {}), noErr);
     EXPECT_EQ(writer->Write(Bytes{5, 6, 7, 8, 9, 10, 11, 12}, {}), kAudio_DiskFullError);
     EXPECT_EQ(writer->Write(Bytes{21, 22}, {}), noErr);
     EXPECT_EQ(writer->Finish({}), noErr);
     EXPECT_EQ(Drain(*Open(sink.Bytes()).mReader).mBytes, (Bytes{1, 2, 3, 4, 5, 6, 7, 8, 21, 22}));
+}
+
+TEST(FailingSinks, KeepTheWholeOnesOfPacketsOfManySizes)
+{
+    const EncodedTones tones = Encode(kAudioFormatAppleLossless, 1, 6 * 4096);
+    const std::vector<Bytes>& packets = tones.mStream.mPackets;
+    ASSERT_EQ(packets.size(), 6u);
+    const std::size_t whole = packets[2].size() + packets[3].size();  // of the second write
+    OnceFull sink(packets[2].size() + 1);
+    const Outcome outcome = Write(sink, {kAudioFileCAFType, tones.mStream.mFormat, {}},
+                                  tones.mStart, packets, tones.mEnd, 2);
+    ASSERT_GT(whole, packets[2].size() + 1);
+    EXPECT_EQ(outcome.mWritten, kAudio_DiskFullError);
+    EXPECT_EQ(outcome.mFinished, noErr);
+    const auto file = Open(sink.Bytes());
+    ASSERT_EQ(file.mStatus, noErr);
+    EXPECT_TRUE(Drain(*file.mReader).mBytes == Joined({packets[0], packets[1], packets[2]}));
+    EXPECT_EQ(FramesTold(file), 3u * 4096);
 }
 
 TEST(FailingSinks, AreToldWhenTheHeaderCannotBePatched)

@@ -108,6 +108,23 @@ TEST(WrittenLayouts, OfMonoAndStereoAreATagInCAFAndNothingInAIFF)
     }
 }
 
+TEST(WrittenLayouts, OfBlocksHaveNoPlaceInWAVE)
+{
+    for (const AudioFormatID format : {kAudioFormatDVIIntelIMA, kAudioFormatMicrosoftADPCM})
+    {
+        const EncodedTones tones = Encode(format, 2, 100);
+        EXPECT_TRUE(WriteEncoded(kAudioFileWAVEType, tones, {5, 6}) ==
+                    WriteEncoded(kAudioFileWAVEType, tones));
+    }
+}
+
+TEST(WrittenLayouts, OfLawsAreAMaskInWAVE)
+{
+    const Bytes file =
+        WriteEncoded(kAudioFileWAVEType, Encode(kAudioFormatULaw, 3, 100), {1, 2, 3});
+    EXPECT_EQ(LayoutWords(Open(file).Facts().mChannelLayout), (Words{kBitmapTag, 0x7, 0}));
+}
+
 TEST(WrittenLayouts, ThatAreNotKnownAreNotWritten)
 {
     for (const AudioFileTypeID type :
