@@ -23,6 +23,7 @@ protected:
     WriteSessionTest() { sFakeAudioFiles = &mFiles; }
     ~WriteSessionTest() override
     {
+        mSession.reset();
         EXPECT_EQ(mFiles.mOpenWriters, 0);
         sFakeAudioFiles = nullptr;
     }
