@@ -329,4 +329,27 @@ TEST_F(ForeignHost, CanRefuseToCreateInFrontOfThePlatform)
                                  "= 17 -1"}));
 }
 
+TEST_F(ForeignHost, WritesAFileAndReadsItBack)
+{
+    const std::string path = "'" + (mFolder / "written.wav").string() + "'";
+    const Outcome run = RunHost("-w " + path + " -b 100 " + path);
+    EXPECT_EQ(run.mStatus, 0);
+    EXPECT_EQ(Of(run, "= "), (Lines{"= 17 0", "= 18 0", "= 18 0", "= 18 0", "= 19 0", "= 5 0",
+                                    "= 6 0", "= 7 0", "= 12 0"}));
+    ASSERT_GT(run.mLines.size(), 30u);
+    EXPECT_EQ(Lines(run.mLines.begin() + 9, run.mLines.begin() + 18),
+              (Lines{"SetFormatDescription WAVE\\u000ALinear PCM, 16 bit little-endian signed "
+                     "integer",
+                     "SetWriterHandle", "= 17 0", "GetErrorInterface", "GetSampleCount",
+                     "GetChannelBuffer 0", "GetChannelBuffer 1", "GetStartSample", "= 18 0"}));
+    for (int frame = 0; frame < 10; ++frame)
+    {
+        const std::string number = std::to_string(frame);
+        EXPECT_EQ(Of(run, "0 " + number + " "),
+                  (Lines{"0 " + number + " " + std::to_string(1000 * frame)}));
+        EXPECT_EQ(Of(run, "1 " + number + " "),
+                  (Lines{"1 " + number + " " + std::to_string(-1000 * frame)}));
+    }
+}
+
 }  // namespace
