@@ -1,122 +1,14 @@
-// LOAS: multiplexes of every form, and what damage does to them.
-#include "StreamMakers.h"
-#include "platform/AudioToolbox/src/file/streams/LOASHeader.h"
+// LOAS: multiplexes of every form, and the packets in them.
+#include "LOASMaker.h"
 
 #include <gtest/gtest.h>
 
 #include <algorithm>
-#include <cstdio>
-#include <memory>
 
 using namespace stream_testing;
 
 namespace
 {
-
-// Bits as text, with spaces for reading.
-class Bits
-{
-public:
-    Bits& Put(UInt64 inValue, int inCount)
-    {
-        while (inCount-- > 0)
-            mBits.push_back((inValue >> inCount & 1) != 0);
-        return *this;
-    }
-    Bits& Put(const Bytes& inBytes)
-    {
-        for (const UInt8 byte : inBytes)
-            Put(byte, 8);
-        return *this;
-    }
-    Bits& Put(const Bits& inOther)
-    {
-        mBits.insert(mBits.end(), inOther.mBits.begin(), inOther.mBits.end());
-        return *this;
-    }
-    Bytes Take() const
-    {
-        Bytes bytes((mBits.size() + 7) / 8);
-        for (std::size_t i = 0; i < mBits.size(); ++i)
-            bytes[i / 8] = static_cast<UInt8>(bytes[i / 8] | (mBits[i] ? 0x80 >> i % 8 : 0));
-        return bytes;
-    }
-
-private:
-    std::vector<bool> mBits;
-};
-
-Bytes Frame(const Bits& inElement)
-{
-    const Bytes element = inElement.Take();
-    const auto size = static_cast<UInt32>(element.size());
-    return Join({Bits().Put(0x2B7, 11).Put(size, 13).Take(), element});
-}
-
-// 44.1 kHz stereo of low complexity.
-Bits PlainConfig()
-{
-    return Bits().Put(2, 5).Put(4, 4).Put(2, 4).Put(0, 3);
-}
-
-// Version 0, one of everything.
-Bits MuxConfig(const Bits& inDecoderConfig)
-{
-    return Bits()
-        .Put(0b01, 2)
-        .Put(0, 6 + 4 + 3)
-        .Put(inDecoderConfig)
-        .Put(0, 3)
-        .Put(0xFF, 8)
-        .Put(0, 2);
-}
-
-Bits Length(std::size_t inBytes)
-{
-    Bits bits;
-    for (; inBytes >= 255; inBytes -= 255)
-        bits.Put(255, 8);
-    return bits.Put(static_cast<UInt32>(inBytes), 8);
-}
-
-Bytes FrameWithConfig(const Bits& inMuxConfig, const Bytes& inPayload)
-{
-    return Frame(Bits().Put(0, 1).Put(inMuxConfig).Put(Length(inPayload.size())).Put(inPayload));
-}
-
-Bytes FrameWithout(const Bytes& inPayload)
-{
-    return Frame(Bits().Put(1, 1).Put(Length(inPayload.size())).Put(inPayload));
-}
-
-std::vector<Bytes> Payloads(std::size_t inCount)
-{
-    std::vector<Bytes> payloads;
-    for (std::size_t i = 0; i < inCount; ++i)
-        payloads.push_back(NoiseWithoutSync(180 + 40 * (i % 5), static_cast<UInt32>(i) + 1));
-    return payloads;
-}
-
-Bytes Stream(const std::vector<Bytes>& inPayloads, std::size_t inConfigEvery,
-             const Bits& inMuxConfig = MuxConfig(PlainConfig()))
-{
-    Bytes stream;
-    for (std::size_t i = 0; i < inPayloads.size(); ++i)
-    {
-        const Bytes frame = i % inConfigEvery == 0 ? FrameWithConfig(inMuxConfig, inPayloads[i])
-                                                   : FrameWithout(inPayloads[i]);
-        stream.insert(stream.end(), frame.begin(), frame.end());
-    }
-    return stream;
-}
-
-std::vector<Bytes> PacketsOf(Opened& ioFile, SInt64 inStart = 0, UInt32 inAtOnce = 16)
-{
-    std::vector<Bytes> packets;
-    for (const Packet& packet : ReadAll(*ioFile.mReader, inStart, inAtOnce))
-        packets.push_back(packet.mBytes);
-    return packets;
-}
 
 TEST(LOASStream, DeliversBarePacketsAndTheConfiguration)
 {
@@ -337,52 +229,6 @@ TEST(LOASStream, CountsFramesOf960)
     EXPECT_DOUBLE_EQ(file.Facts().mEstimatedDuration, 0.2);
 }
 
-TEST(LOASStream, DamagedElementKeepsItsPlace)
-{
-    const auto payloads = Payloads(12);
-    Bytes stream = Stream(payloads, 20);
-    std::size_t fifth = 0;
-    for (int i = 0; i < 4; ++i)
-        fifth += 3 + ((stream[fifth + 1] & 0x1Fu) << 8 | stream[fifth + 2]);
-    for (const UInt8 value : {0x00, 0x7F, 0xFF})  // a configuration, or a length beyond the end
-    {
-        Bytes damaged = stream;
-        std::fill_n(damaged.begin() + static_cast<long>(fifth) + 3, 60, value);
-        Opened file = Open(kLOAS, damaged);
-        ASSERT_EQ(file.mStatus, noErr);
-        const auto packets = PacketsOf(file);
-        ASSERT_EQ(packets.size(), 12u) << int{value};
-        EXPECT_TRUE(std::equal(packets.begin() + 5, packets.end(), payloads.begin() + 5));
-    }
-}
-
-TEST(LOASStream, StatesOfElementsThatReachBeyondTheirEndAreDamage)
-{
-    const Bytes whole =
-        Bits().Put(0, 1).Put(MuxConfig(PlainConfig())).Put(Length(300)).Put(Noise(300, 3)).Take();
-    audiotoolbox::streams::LOASElement element;
-    for (std::size_t size = 0; size < whole.size(); ++size)
-    {
-        // A copy of its own, so that reading behind it shows.
-        const Bytes cut(whole.begin(), whole.begin() + static_cast<long>(size));
-        EXPECT_FALSE(audiotoolbox::streams::ParseLOASElement(cut, element, nullptr)) << size;
-    }
-    EXPECT_TRUE(audiotoolbox::streams::ParseLOASElement(whole, element, nullptr));
-    EXPECT_EQ(element.mPayloadBytes, 300u);
-}
-
-TEST(LOASStream, GarbageOfSyncWordsIsRefusedInTime)
-{
-    for (const Bytes& unit : {Bytes{0x56, 0xE0, 0x02, 0, 0}, Bytes{0x56, 0xFF, 0xFF},
-                              Bytes{0x56, 0xE0, 0x02, 0xFF, 0xFF}, Bytes{0x56, 0xE0}})
-    {
-        Bytes bytes;
-        while (bytes.size() < 400000)
-            bytes.insert(bytes.end(), unit.begin(), unit.end());
-        EXPECT_NE(Open(kLOAS, bytes).mStatus, noErr);
-    }
-}
-
 // The same packets in both streams, put there by another writer.
 TEST(LOASStream, OfAnotherWriterHasThePacketsOfTheSameADTS)
 {
@@ -395,95 +241,6 @@ TEST(LOASStream, OfAnotherWriterHasThePacketsOfTheSameADTS)
     EXPECT_EQ(PacketsOf(loas), wanted);
     EXPECT_EQ(loas.Facts().mDataFormat.mSampleRate, 44100.0);
     EXPECT_EQ(loas.Facts().mPacketCount, adts.Facts().mPacketCount);
-}
-
-TEST(LOASStream, CutAnywhereDeliversItsWholePackets)
-{
-    const Bytes whole = LoadData("streams/44100-stereo.loas");
-    Opened intact = Open(kLOAS, whole);
-    const auto packets = PacketsOf(intact);
-    std::size_t end = 0;
-    std::size_t complete = 0;
-    for (std::size_t size = 0; size < whole.size(); ++size)
-    {
-        Opened cut =
-            Open(kLOAS, Bytes(whole.begin(), whole.begin() + static_cast<std::ptrdiff_t>(size)));
-        for (std::size_t next = end; next + 3 <= size;)
-        {
-            next = end + 3 + ((whole[end + 1] & 0x1Fu) << 8 | whole[end + 2]);
-            if (next > size)
-                break;
-            end = next;
-            ++complete;
-        }
-        if (cut.mStatus != noErr)
-        {
-            ASSERT_LE(complete, 1u) << size;
-            continue;
-        }
-        const auto left = PacketsOf(cut);
-        ASSERT_EQ(left.size(), complete) << size;
-        ASSERT_TRUE(std::equal(left.begin(), left.end(), packets.begin())) << size;
-    }
-    EXPECT_EQ(complete + 1, packets.size());
-}
-
-TEST(LOASStream, ChangedBytesNeverBreakTheReader)
-{
-    UInt32 state = 4711;
-    const auto next = [&state]
-    {
-        state = state * 1664525u + 1013904223u;
-        return state >> 8;
-    };
-    for (const Bytes& whole : {LoadData("streams/44100-stereo.loas"), Stream(Payloads(30), 2)})
-        for (int round = 0; round < 3000; ++round)
-        {
-            Bytes bytes = whole;
-            for (UInt32 changes = 1 + next() % 12; changes > 0; --changes)
-            {
-                const std::size_t reach = next() % 2 == 0 ? bytes.size() : 32;
-                bytes[next() % reach] = static_cast<UInt8>(next());
-            }
-            if (next() % 4 == 0)
-                bytes.resize(next() % bytes.size());
-            Opened file = Open(kLOAS, bytes);
-            if (file.mStatus != noErr)
-                continue;
-            EXPECT_GT(file.Facts().mDataFormat.mSampleRate, 0.0);
-            EXPECT_GT(file.Facts().mDataFormat.mChannelsPerFrame, 0u);
-            std::size_t total = 0;
-            for (const Bytes& packet : PacketsOf(file))
-            {
-                EXPECT_GT(packet.size(), 0u);
-                EXPECT_LE(packet.size(), file.Facts().mPacketSizeUpperBound);
-                total += packet.size();
-            }
-            ASSERT_LE(total, bytes.size()) << round;
-        }
-}
-
-TEST(LOASStream, DestroyedHeadsCostNoPacket)
-{
-    const Bytes whole = LoadData("streams/44100-stereo.loas");
-    Opened intact = Open(kLOAS, whole);
-    const auto packets = PacketsOf(intact);
-    std::size_t place = 0;
-    for (std::size_t i = 0; i + 2 < packets.size(); ++i)
-    {
-        for (std::size_t byte = 0; i > 1 && byte < 3; ++byte)
-            for (const int flip : {0x01, 0x10, 0x80, 0xFF})
-            {
-                Bytes bytes = whole;
-                bytes[place + byte] ^= static_cast<UInt8>(flip);
-                Opened damaged = Open(kLOAS, bytes);
-                ASSERT_EQ(damaged.mStatus, noErr);
-                const auto left = PacketsOf(damaged);
-                EXPECT_EQ(left, packets)
-                    << "packet " << i << ", byte " << byte << ", " << flip;
-            }
-        place += 3 + ((whole[place + 1] & 0x1Fu) << 8 | whole[place + 2]);
-    }
 }
 
 }  // namespace

@@ -83,6 +83,17 @@ TEST(FLACWriter, WritesWhatFLACTestsAndDecodesBitForBit)
             }
 }
 
+TEST(FLACWriter, WithoutAudioIsTakenByOthers)
+{
+    const Bytes bytes = Written(kFLAC, EncodeTones(kFLAC, 2, 0), 0);
+    EXPECT_EQ(StatedFrames(bytes), 0u);
+    EXPECT_TRUE(OutputOf(bytes, "flac", "flac -t --totally-silent %"));
+    const auto raw =
+        OutputOf(bytes, "flac", "flac -d -c -s --force-raw-format --endian=little --sign=signed %");
+    ASSERT_TRUE(raw);
+    EXPECT_TRUE(raw->empty());
+}
+
 TEST(FLACWriter, HasNoPacketBeyond65535BytesEvenOfNoise)
 {
     for (const UInt32 channels : {6u, 8u})

@@ -185,4 +185,22 @@ TEST(MP3Writer, OthersGiveExactlyAsManyFramesAsWentIn)
     }
 }
 
+bool HasStreamForMPG123(const Bytes& inFile)
+{
+    const auto report = OutputOf(inFile, "mp3", "mpg123 -t -v % 2>&1");
+    return report && TextAt(*report, 0, report->size()).find("Illegal") == std::string::npos;
+}
+
+TEST(MP3Writer, WithoutAudioIsAStreamForMPG123)
+{
+    for (const Kind& kind : {kMP3, kMP3Low})
+        for (const UInt32 channels : {1u, 2u})
+        {
+            const Bytes bytes = Written(kind, EncodeTones(kind, channels, 0), 0);
+            EXPECT_TRUE(HasStreamForMPG123(bytes)) << kind.mName << channels;
+            EXPECT_TRUE(FloatsOf(bytes, "mp3", kMPG123Floats).empty());
+        }
+    EXPECT_FALSE(HasStreamForMPG123(Bytes(417)));
+}
+
 }  // namespace

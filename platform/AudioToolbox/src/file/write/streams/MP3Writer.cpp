@@ -1,9 +1,9 @@
 // MP3Writer: MPEG audio layer 3 behind a frame that tells its length.
 //
 // The frame is reserved at the start and completed at the end: readers then give exactly the
-// frames that went in. Its padding field ends at 4095 frames, some seven packets more than an
-// encoder needs: of a stream with more behind its audio, readers keep the excess as silence. Audio
-// without a single frame makes a file of the tag alone, which opens with 0 packets.
+// frames that went in. Its padding field ends at 4095 frames, two packets more than an encoder
+// needs: of a stream with more behind its audio, readers keep the excess as silence. Audio without
+// a single frame makes a file of the tag alone, which opens with 0 packets here and in mpg123.
 #include "file/streams/MPEGHeader.h"
 #include "file/write/streams/FramedStreamWriter.h"
 #include "file/write/streams/MP3Tag.h"
