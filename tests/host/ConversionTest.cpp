@@ -1,14 +1,18 @@
 #include "host/Conversion.h"
 
 #include "host/Failure.h"
+#include "host/Interrupt.h"
 #include "host/WriteSession.h"
 #include "tests/host/FakeAudioFiles.h"
 
 #include <gtest/gtest.h>
 
 #include <cmath>
+#include <csignal>
 #include <numbers>
 #include <span>
+#include <sys/wait.h>
+#include <unistd.h>
 
 namespace
 {
@@ -305,6 +309,32 @@ TEST_F(ConversionTest, StopsWhereTheSinkFails)
     PutStereo(150000);
     mFiles.mFailingBlock = 1;
     EXPECT_THROW(Convert(44100, 20, {100, 101}), host::Failure);
+}
+
+TEST_F(ConversionTest, StopsAtASignalAndClosesItsFiles)
+{
+    PutStereo(150000);
+    const pid_t child = fork();
+    if (child == 0)
+    {
+        host::WatchInterrupts();
+        (void)std::raise(SIGTERM);
+        int outcome = 0;
+        try
+        {
+            Convert(44100, 20, {100, 101});
+        }
+        catch (const host::Interrupted& interrupted)
+        {
+            const bool areClosed = mFiles.mOpenReaders == 0 && mFiles.mOpenWriters == 0;
+            outcome = areClosed && mFiles.mBlockCounts.empty() ? interrupted.mSignal : 1;
+        }
+        _exit(outcome);
+    }
+    int status = 0;
+    ASSERT_EQ(waitpid(child, &status, 0), child);
+    EXPECT_TRUE(WIFEXITED(status));
+    EXPECT_EQ(WEXITSTATUS(status), SIGTERM);
 }
 
 TEST_F(ConversionTest, RefusesWhatHasNoWay)
