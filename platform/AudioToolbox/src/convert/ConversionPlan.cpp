@@ -169,7 +169,7 @@ bool PlanDestination(ConversionPlan& ioPlan)
     if (!ReadSampleLayout(ioPlan.mDestination, ioPlan.mTo) || !PlanRate(ioPlan))
         return false;
     ioPlan.mLinear = ioPlan.mDestination;
-    return FrameMixer::CanMix(ioPlan.mShape);
+    return true;
 }
 
 }  // namespace

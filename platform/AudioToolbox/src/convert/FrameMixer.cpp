@@ -24,13 +24,6 @@ Float64 Mean(const Float64* inSamples, std::size_t inCount)
 
 }  // namespace
 
-bool FrameMixer::CanMix(const MixShape& inShape)
-{
-    const UInt32 in = inShape.mInChannels;
-    const UInt32 out = inShape.mOutChannels;
-    return in == out || (in == 1 && out == 2) || (in == 2 && out == 1);
-}
-
 FrameMixer::FrameMixer(const MixShape& inShape, const SampleLayout& inTo)
     : mShape(inShape),
       mReader(inShape.mInChannels, kDoubles),

@@ -1,7 +1,7 @@
 // FrameMixer: another channel count or another rate, by way of 64-bit floats.
 //
 // Mono becomes stereo by doubling, and anything mono by the mean. Between other counts the first
-// channels are kept, and what is missing is silent; only encoders have use for that.
+// channels are kept, and what is missing is silent.
 #ifndef AUDIOTOOLBOX_CONVERT_FRAMEMIXER_H
 #define AUDIOTOOLBOX_CONVERT_FRAMEMIXER_H
 
@@ -32,9 +32,6 @@ struct MixShape
 class FrameMixer
 {
 public:
-    /// Whether linear PCM is offered in the other count.
-    static bool CanMix(const MixShape& inShape);
-
     FrameMixer(const MixShape& inShape, const SampleLayout& inTo);
 
     /// Takes up to kMostFrames of the block, *outTaken, and queues what comes of them.

@@ -37,8 +37,17 @@ TEST(New, RefusesNullArgumentsAndFormatsThatItCannotDo)
     EXPECT_EQ(NewStatus(Compressed(kAudioFormatAC3, 48000, 0, 1536), Floats(48000, 0)), refused);
     for (const double rate : {0.0, -1.0, std::nan(""), HUGE_VAL, 1e30})
         EXPECT_EQ(NewStatus(Linear(rate, kSigned, 16, 2), format), refused) << rate;
-    EXPECT_EQ(NewStatus(format, Linear(44100, kSigned, 16, 3)), refused);
     EXPECT_EQ(NewStatus(Linear(44100, kSigned, 16, 65), Linear(44100, kSigned, 16, 65)), refused);
+    EXPECT_EQ(NewStatus(format, Linear(44100, kSigned, 16, 65)), refused);
+}
+
+TEST(New, TakesAnyOtherChannelCount)
+{
+    for (UInt32 from = 1; from <= 64; ++from)
+        for (UInt32 to = 1; to <= 64; ++to)
+            EXPECT_EQ(NewStatus(Linear(48000, kSigned, 16, from), Linear(44100, kSigned, 24, to)),
+                      noErr)
+                << from << " to " << to;
 }
 
 TEST(New, RefusesDescriptionsThatContradictThemselves)

@@ -227,6 +227,17 @@ TEST(Pull, MonoIsDoubledAndStereoAveraged)
     EXPECT_EQ(As<SInt16>(FillAll(mean.get(), stereo, 2, 10)), (std::vector<SInt16>{15, 0}));
 }
 
+TEST(Pull, OtherCountsKeepTheFirstChannels)
+{
+    const ConverterPtr more = New(Linear(44100, kSigned, 16, 2), Linear(44100, kSigned, 16, 3));
+    Input stereo = Input::Constant(BytesOf(std::vector<SInt16>{1, 2, 3, 4}), 4);
+    EXPECT_EQ(As<SInt16>(FillAll(more.get(), stereo, 6, 10)),
+              (std::vector<SInt16>{1, 2, 0, 3, 4, 0}));
+    const ConverterPtr fewer = New(Linear(44100, kSigned, 16, 3), Linear(44100, kSigned, 16, 2));
+    Input three = Input::Constant(BytesOf(std::vector<SInt16>{1, 2, 3, 4, 5, 6}), 6);
+    EXPECT_EQ(As<SInt16>(FillAll(fewer.get(), three, 4, 10)), (std::vector<SInt16>{1, 2, 4, 5}));
+}
+
 TEST(Pull, AllocatesNothingOnceItRuns)
 {
     for (const UInt32 flags : {kSigned, kSigned | kAudioFormatFlagIsBigEndian})
