@@ -215,6 +215,22 @@ TEST(Failures, OfAWriteLeaveAFileThatIsFinished)
     }
 }
 
+TEST(Failures, EndTheWorkOfTheEncoder)
+{
+    RecordInUse record;
+    record->mFailingWrite = 1;
+    record->mWriteStatus = kFirst;
+    const auto file = NewFile(kAudioFileM4AType, AAC());
+    ASSERT_EQ(file->SetClientFormat(kWords16), noErr);
+    const std::vector<SInt16> samples = Tone(44100, 2);
+    OSStatus status = noErr;
+    for (int i = 0; i < 20 && status == noErr; ++i)
+        status = Write(*file, samples, 2);
+    EXPECT_EQ(status, kFirst);
+    EXPECT_EQ(file->Close(), kFirst);
+    EXPECT_EQ(record->mCalls, "SWFC") << "no packet follows one that is missing";
+}
+
 TEST(Failures, AtTheEndComeFromTheCloseTheFirstOfThem)
 {
     {
