@@ -14,12 +14,6 @@ std::int32_t TarvoATInterface::Initialize()
     return kTarvoResultSuccess;
 }
 
-std::int32_t TarvoATInterface::RunExportSettingsDialog(TarvoFormatInterface&, void*, long long,
-                                                       bool&)
-{
-    return kTarvoResultNotImplemented;
-}
-
 std::int32_t TarvoATInterface::ReportFailure(const char* inGeneralText,
                                              appleaudiotoolbox::ExtendedErrorInfo& ioInfo)
 {

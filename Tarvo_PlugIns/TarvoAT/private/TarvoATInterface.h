@@ -41,6 +41,8 @@ public:
 
     std::int32_t GetDefaultExportSettings(TarvoFormatInterface& inFormat) override;
     std::int32_t GetExportSettingsInfo(TarvoGetExportSettingsInfoInterface& inInfo) override;
+    /// Blocks while the dialog is open. OK: the format has the new settings text, the one thing of
+    /// it that changes. The option is not used.
     std::int32_t RunExportSettingsDialog(TarvoFormatInterface& inFormat, void* inParentWindow,
                                          long long inOption, bool& outCancelled) override;
 
