@@ -134,7 +134,7 @@ protected:
         mRequest.mConversion.mTarget = shape;
         const ExportAnswer answer = AskExportSettings(
             mPlugIn,
-            {shape, SettingsOf(inForm, inRate, shape.ChannelCount()), "", RepairMode::kFit});
+            {shape, SettingsOf(inForm, inRate, shape.ChannelCount()), "", RepairMode::kNone});
         EXPECT_EQ(answer.mResult, 0) << answer.mSettings;
         EXPECT_EQ(answer.mAudio, shape);
         mRequest.mIsLossy = inForm.mFormat == kAAC;
