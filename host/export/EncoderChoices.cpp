@@ -17,6 +17,9 @@ namespace
 
 constexpr UInt32 kAnyNumber = 0xFFFFFFFF;
 
+// Samples cross the plug-in's interface as 32-bit floats at the widest.
+constexpr std::uint32_t kWidestSample = 32;
+
 // Formats whose flags tell the depth: the flags are the place in this list, from 1.
 constexpr std::uint32_t kDepthsByFlags[] = {16, 20, 24, 32};
 
@@ -69,7 +72,8 @@ std::vector<SampleDepth> PCMDepths(EncoderKey inEncoder)
     {
         const SampleDepth depth{variant.mBitsPerChannel,
                                 (variant.mFormatFlags & kAudioFormatFlagIsFloat) != 0};
-        if (std::find(depths.begin(), depths.end(), depth) == depths.end())
+        if (depth.mBits <= kWidestSample &&
+            std::find(depths.begin(), depths.end(), depth) == depths.end())
             depths.push_back(depth);
     }
     return depths;

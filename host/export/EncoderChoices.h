@@ -23,8 +23,8 @@ struct EncoderKey
     std::uint32_t mFormat = 0;
 };
 
-/// Linear PCM of the catalogue, FLAC and Apple Lossless by what they take; empty: any depth will
-/// do, since the format has none.
+/// Linear PCM of the catalogue as far as samples can be handed over so wide, FLAC and Apple
+/// Lossless by what they take; empty: any depth will do, since the format has none.
 std::vector<SampleDepth> EncodableDepths(EncoderKey inEncoder);
 
 /// Channel counts, ascending; empty: any.

@@ -39,7 +39,7 @@ constexpr NamedNumber kRepairs[] = {
     {"stored", static_cast<std::uint32_t>(RepairMode::kStored)},
 };
 
-constexpr std::uint32_t kDepths[] = {8, 16, 20, 24, 32, 64};
+constexpr std::uint32_t kDepths[] = {8, 16, 20, 24, 32};
 
 template <std::size_t kCount>
 std::optional<std::uint32_t> Find(const NamedNumber (&inRows)[kCount], std::string_view inName)
@@ -159,7 +159,7 @@ void AddExportOptions(CLI::App& ioCommand, ExportOptions& outOptions)
     { return ioCommand.add_option(inName, outText, inHelp)->group(group); };
     add("--type", outOptions.mType, "File type: an extension, a code or a name");
     add("--format", outOptions.mFormat, "Data format: a code or a name (pcm, alac, aac, ...)");
-    add("--depth", outOptions.mDepth, "Bits a sample: 8, 16, 20, 24, 32, 32f, 64f");
+    add("--depth", outOptions.mDepth, "Bits a sample: 8, 16, 20, 24, 32, 32f");
     add("--bitrate", outOptions.mBitrate, "Bits per second, as 192k");
     add("--mode", outOptions.mMode, "Bit rate mode: cbr, abr, cvbr or vbr");
     add("--quality", outOptions.mQuality,
@@ -176,8 +176,7 @@ ExportWish ReadWish(const ExportOptions& inOptions)
     ExportWish wish;
     wish.mType = inOptions.mType;
     wish.mFormat = inOptions.mFormat;
-    wish.mDepth =
-        Required(inOptions.mDepth, ReadDepth, "--depth", "8, 16, 20, 24, 32, 32f, 64 or 64f");
+    wish.mDepth = Required(inOptions.mDepth, ReadDepth, "--depth", "8, 16, 20, 24, 32 or 32f");
     wish.mBitrate = Required(inOptions.mBitrate, ReadBitrate, "--bitrate",
                              "bits per second, as 192k or 192000");
     wish.mMode = Required(inOptions.mMode, ReadMode, "--mode", "cbr, abr, cvbr or vbr");

@@ -16,16 +16,16 @@ namespace host
 /// As they were written; an empty text was not given, apart from the settings.
 struct ExportOptions
 {
-    std::string mType;
-    std::string mFormat;
-    std::string mDepth;
-    std::string mBitrate;
-    std::string mMode;
-    std::string mQuality;
-    std::string mRate;
-    std::string mChannels;
-    std::optional<std::string> mSettings;
-    std::string mRepair;
+    std::string mType{};
+    std::string mFormat{};
+    std::string mDepth{};
+    std::string mBitrate{};
+    std::string mMode{};
+    std::string mQuality{};
+    std::string mRate{};
+    std::string mChannels{};
+    std::optional<std::string> mSettings{};
+    std::string mRepair{};
 };
 
 void AddExportOptions(CLI::App& ioCommand, ExportOptions& outOptions);

@@ -62,8 +62,14 @@ std::vector<Number> ByDistance(std::vector<Number> inNumbers, Number inTo)
     return inNumbers;
 }
 
+bool IsInCatalogue(EncoderKey inEncoder)
+{
+    return !appleaudiotoolbox::GetEncodableVariants(inEncoder.mFileType, inEncoder.mFormat).empty();
+}
+
 struct Attempt
 {
+    ExportTarget mTarget;
     ComposedSettings mComposed;
     ExportAnswer mAnswer;
 };
@@ -88,7 +94,8 @@ public:
     ExportPlan Run()
     {
         std::optional<Attempt> attempt = Search();
-        if (!attempt)
+        // The plug-in's repair of linear PCM lets a type pass that nobody knows.
+        if (!attempt || !IsInCatalogue(mComposer.Encoder()))
             FailImpossible();
         SettleBitrate(*attempt);
         return MakePlan(*attempt);
@@ -109,6 +116,7 @@ private:
     Attempt Ask(const ExportTarget& inTarget, RepairMode inRepair) const
     {
         Attempt attempt;
+        attempt.mTarget = inTarget;
         attempt.mComposed = mComposer.Compose(inTarget);
         ExportRequest request;
         request.mAudio = ShapeFor(inTarget, attempt.mComposed.mSampleType);
@@ -171,8 +179,7 @@ private:
         const AudioShape& audio = ioAttempt.mAnswer.mAudio;
         const ExportTarget target{audio.mSampleRate,
                                   static_cast<std::uint32_t>(audio.ChannelCount())};
-        const auto asked = ShapeFor(target, ioAttempt.mComposed.mSampleType);
-        if (mWish.mRepair != RepairMode::kStored && asked.mLabels != audio.mLabels)
+        if (mWish.mRepair != RepairMode::kStored && target != ioAttempt.mTarget)
         {
             Attempt settled = Ask(target, RepairMode::kNone);
             if (settled.mAnswer.IsPossible())
@@ -230,7 +237,7 @@ private:
             std::to_string(mWanted.mRate) + " Hz and " + std::to_string(mWanted.mChannels) +
             (mWanted.mChannels == 1 ? " channel" : " channels") + " are not possible for " +
             FormatName(encoder.mFormat) + " in " + FileTypeName(encoder.mFileType) + " files";
-        if (appleaudiotoolbox::GetEncodableVariants(encoder.mFileType, encoder.mFormat).empty())
+        if (!IsInCatalogue(encoder))
         {
             const std::string formats = FormatNames(encoder.mFileType);
             throw Failure(kExitSettings, mFirstResult,

@@ -33,15 +33,15 @@ enum BitrateMode : std::uint32_t
 
 struct ExportWish
 {
-    std::string mType;    // as written; empty: by settings or extension
-    std::string mFormat;  // as written; empty: by settings or type
-    std::optional<SampleDepth> mDepth;
-    std::optional<std::uint32_t> mBitrate;
-    std::optional<std::uint32_t> mMode;
-    std::optional<std::uint32_t> mQuality;
-    std::optional<std::int32_t> mRate;
-    std::optional<std::uint32_t> mChannels;
-    std::optional<std::string> mSettings;  // settings text, never a preset's name
+    std::string mType{};    // as written; empty: by settings or extension
+    std::string mFormat{};  // as written; empty: by settings or type
+    std::optional<SampleDepth> mDepth{};
+    std::optional<std::uint32_t> mBitrate{};
+    std::optional<std::uint32_t> mMode{};
+    std::optional<std::uint32_t> mQuality{};
+    std::optional<std::int32_t> mRate{};
+    std::optional<std::uint32_t> mChannels{};
+    std::optional<std::string> mSettings{};  // settings text, never a preset's name
     RepairMode mRepair = RepairMode::kFit;
 };
 

@@ -168,8 +168,10 @@ void SettingsComposer::SetPCM(ComposedSettings& ioSettings) const
         const bool isSourceWidth = mWish.mDepth->mBits == mSourceDepth.mBits;
         wanted = mWish.mDepth->mIsFloat || !isSourceWidth ? *mWish.mDepth : mSourceDepth;
     }
-    const auto variants =
-        appleaudiotoolbox::GetEncodableVariants(mEncoder.mFileType, mEncoder.mFormat);
+    auto variants = appleaudiotoolbox::GetEncodableVariants(mEncoder.mFileType, mEncoder.mFormat);
+    const auto depths = EncodableDepths(mEncoder);
+    std::erase_if(variants,
+                  [&](const auto& inVariant) { return !IsDepthIn(depths, DepthOf(inVariant)); });
     const auto best = std::min_element(variants.begin(), variants.end(),
                                        [&](const auto& inLeft, const auto& inRight) {
         return Misfit(DepthOf(inLeft), wanted) < Misfit(DepthOf(inRight), wanted);
