@@ -241,6 +241,23 @@ TEST(ExportSize, OtherTypesThatEndAreRefusedToo)
         EXPECT_EQ(RefusalOf({}, {}, Source(44100, 2, kTooLong), path).mExitCode, 0) << path;
 }
 
+TEST(ExportSize, CompandedAudioCountsEightBitsASample)
+{
+    // Half of what the plug-in estimates would let 4 GiB and a little pass.
+    Judge judge;
+    judge.mBytesPerFrame = 1;
+    const ExportWish wish{.mType = "WAVE", .mFormat = "alaw"};
+    EXPECT_EQ(RefusalOf(judge, wish, Source(44100, 2, 0x7FFFFFFF), "a.wav").mExitCode, 5);
+    EXPECT_EQ(RefusalOf(judge, wish, Source(44100, 2, 0x7FFFFF00), "a.wav").mExitCode, 0);
+}
+
+TEST(ExportSize, BlocksOfADPCMCountAQuarterOfPCM)
+{
+    const ExportWish wish{.mType = "WAVE", .mFormat = "ms-adpcm"};
+    EXPECT_EQ(RefusalOf({}, wish, Source(44100, 2, kTooLong), "a.wav").mExitCode, 0);
+    EXPECT_EQ(RefusalOf({}, wish, Source(44100, 2, kTooLong * 4), "a.wav").mExitCode, 5);
+}
+
 TEST(ExportType, IsThePlugInsDefaultWithoutAFileOrSettings)
 {
     const ExportPlan plan = Plan({}, {}, Source(44100, 2), "");

@@ -4,6 +4,7 @@
 
 #include <chrono>
 #include <csignal>
+#include <cstring>
 #include <fcntl.h>
 #include <set>
 #include <sys/resource.h>
@@ -45,6 +46,97 @@ TEST_F(ConvertTest, KeepsEverySampleBetweenLosslessTypes)
         EXPECT_NE(run.mOutput.find(": 50021 frames, "), std::string::npos) << run.mOutput;
         EXPECT_NE(run.mOutput.find(", verified"), std::string::npos) << run.mOutput;
     }
+}
+
+TEST_F(ConvertTest, WritesEveryTypeAndItsCopyBearsTheVerification)
+{
+    struct Row
+    {
+        const char* mName;
+        const char* mFormat;  // "": the default
+        const char* mTold;
+        bool mIsExact;
+    };
+    for (const Row& row : {Row{"a.flac", "", "flac", true},   {"a.m4a", "alac", "alac", true},
+                           {"a.caf", "alac", "alac", true},   {"a.mp4", "flac", "flac", true},
+                           {"b.m4a", "", "aac ", false},      {"a.m4b", "", "aac ", false},
+                           {"b.mp4", "", "aac ", false},      {"a.3gp", "", "aac ", false},
+                           {"a.3g2", "", "aac ", false},      {"a.aac", "", "aac ", false},
+                           {"a.loas", "", "aac ", false},     {"b.caf", "aac", "aac ", false},
+                           {"a.mp3", "", ".mp3", false},      {"c.mp4", "mp3", ".mp3", false},
+                           {"a.mp2", "", ".mp2", false},      {"a.ac3", "", "ac-3", false},
+                           {"a.ec3", "", "ec-3", false},      {"a.wav", "alaw", "alaw", false},
+                           {"b.wav", "mulaw", "ulaw", false}, {"c.caf", "ima4", "ima4", false}})
+    {
+        std::vector<std::string> arguments = {Made("wav-s16.wav"), Path(row.mName), "--verify",
+                                              "--json"};
+        if (*row.mFormat)
+            arguments.insert(arguments.end(), {"--format", row.mFormat});
+        const ProgramRun run = Convert(arguments);
+        ASSERT_EQ(run.mExitCode, 0) << row.mName << run.mErrors;
+        const json object = json::parse(run.mOutput);
+        EXPECT_EQ(object["format"], row.mTold) << row.mName;
+        EXPECT_EQ(object["frames"], 50021) << row.mName;
+        EXPECT_EQ(object["verification"]["exact"], row.mIsExact) << row.mName;
+        if (!row.mIsExact)
+        {
+            EXPECT_GT(object["verification"]["signalToNoise"].get<double>(), 15.0) << row.mName;
+        }
+        EXPECT_EQ(Info(Path(row.mName))["format"], row.mTold) << row.mName;
+    }
+}
+
+TEST_F(ConvertTest, TheStoredRateHoldsWhereTheAudiosIsImpossible)
+{
+    ASSERT_EQ(Convert({Made("wav-s16.wav"), Path("96.wav"), "--rate", "96k"}).mExitCode, 0);
+    ASSERT_EQ(Settings({"--type", "mp3", "--rate", "32k", "--save", "low"}).mExitCode, 0);
+    const json stored =
+        DryRun({Path("96.wav"), Path("a.mp3"), "--settings", "low", "--repair", "stored"});
+    EXPECT_EQ(stored["sampleRate"], 32000);
+    const json fitted = DryRun({Path("96.wav"), Path("a.mp3"), "--settings", "low"});
+    EXPECT_EQ(fitted["sampleRate"], 48000);
+}
+
+TEST_F(ConvertTest, ARateThatCannotBeIsResampledToTheNearest)
+{
+    ASSERT_EQ(Convert({Made("wav-s16.wav"), Path("96.wav"), "--rate", "96k"}).mExitCode, 0);
+    ASSERT_EQ(Convert({Path("96.wav"), Path("a.mp3"), "--verify"}).mExitCode, 0);
+    EXPECT_EQ(Info(Path("a.mp3"))["sampleRate"], 48000);
+}
+
+TEST_F(ConvertTest, BeyondFourGiBIsSettledBeforeTheFirstByte)
+{
+    // A sparse RF64 file of 5 GiB, made of our own head.
+    ASSERT_EQ(Convert({Made("wav-s16.wav"), Path("big.wav"), "--type", "RF64"}).mExitCode, 0);
+    std::string head = Bytes(Path("big.wav")).substr(0, 128);
+    const std::size_t ds64 = head.find("ds64");
+    const std::size_t data = head.find("data");
+    ASSERT_NE(ds64, std::string::npos);
+    ASSERT_NE(data, std::string::npos);
+    const std::uint64_t bytes = 5ULL << 30;
+    const std::uint64_t sizes[] = {bytes + data, bytes, bytes / 4};
+    std::memcpy(head.data() + ds64 + 8, sizes, sizeof(sizes));
+    std::memset(head.data() + data + 4, 0xFF, 4);
+    std::memset(head.data() + 4, 0xFF, 4);
+    std::memcpy(head.data(), "RF64", 4);
+    std::ofstream(Path("big.wav"), std::ios::binary) << head;
+    fs::resize_file(Path("big.wav"), bytes + data + 8);
+    ASSERT_EQ(Info(Path("big.wav"))["frames"], bytes / 4);
+
+    EXPECT_EQ(DryRun({Path("big.wav"), Path("a.wav")})["fileType"], "RF64");
+    EXPECT_EQ(DryRun({Path("big.wav"), Path("a.caf")})["fileType"], "caff");
+    for (const std::vector<std::string>& options :
+         {std::vector<std::string>{Path("a.wav"), "--type", "WAVE"},
+          {Path("a.aiff")},
+          {Path("a.au")}})
+    {
+        std::vector<std::string> arguments = {Path("big.wav")};
+        arguments.insert(arguments.end(), options.begin(), options.end());
+        const ProgramRun run = Convert(arguments);
+        EXPECT_EQ(run.mExitCode, 5) << options.front();
+        EXPECT_NE(run.mErrors.find("5.0 GiB"), std::string::npos) << run.mErrors;
+    }
+    EXPECT_EQ(FilesIn(), 1u);
 }
 
 TEST_F(ConvertTest, TellsEveryKeyOfItsSchema)
