@@ -9,12 +9,10 @@
 
 #include <kelpcore/config/Localizer.h>
 #include <kelpcore/utility/ReplaceInString.h>
-#include <kelpcore/utility/SmallBlockAllocator.h>
 #include <kelpcore/utility/StringConversion.h>
 
 #include <limits>
 #include <memory>
-#include <vector>
 
 namespace tarvo
 {
@@ -35,9 +33,6 @@ constexpr char kFinishWriteGeneralError[] =
 constexpr std::int64_t kLargestBlock = std::numeric_limits<std::int32_t>::max();  // bytes
 constexpr unsigned int kWidestSample = 4;                                         // bytes
 
-using ChannelBuffers =
-    std::vector<const char*, kelpcore::utility::SmallBlockAllocator<const char*>>;
-
 bool StartWriter(ATWriter& inWriter, const UTF16String& inPath,
                  const TarvoATPrivateSettings& inSettings, const TarvoFormatInterface& inFormat,
                  int inBytesPerSample, ExtendedErrorInfo& outInfo)
@@ -57,17 +52,19 @@ bool MeasureBlock(std::int64_t inFrames, std::int64_t inFrameBytes, std::int64_t
            outBytes <= kLargestBlock;
 }
 
-// False as soon as the session turns out to have a width that no host delivers.
-bool CollectChannelBuffers(const ATWriter& inWriter, const TarvoWriteSamplesInterface& inBlock,
-                           ChannelBuffers& outBuffers)
+// Joins the channels one after the other, since a host may hand out the same memory for each of
+// them. False as soon as the session turns out to have a width that no host delivers.
+bool JoinChannels(const ATWriter& inWriter, const TarvoWriteSamplesInterface& inBlock,
+                  std::size_t inFrames, char* outBytes)
 {
-    const int channels = inWriter.GetChannelsPerFrame();
-    for (int channel = 0; channel < channels; ++channel)
+    const auto channels = static_cast<std::size_t>(inWriter.GetChannelsPerFrame());
+    for (std::size_t channel = 0; channel < channels; ++channel)
     {
-        outBuffers.push_back(inBlock.GetChannelBuffer(channel));
+        const char* const samples = inBlock.GetChannelBuffer(static_cast<std::int64_t>(channel));
         const unsigned int width = inWriter.GetNumWriteBytesPerFrame();
         if (width == 0 || width > kWidestSample)
             return false;
+        InterleaveChannel(channel, samples, {channels, width, inFrames, outBytes});
     }
     return true;
 }
@@ -112,11 +109,8 @@ std::int32_t TarvoATInterface::WriteSamples(ATWriter& inWriter, TarvoWriteSample
         return kTarvoResultBadArgument;
 
     const auto block = std::make_unique_for_overwrite<char[]>(static_cast<std::size_t>(bytes));
-    ChannelBuffers buffers;
-    if (!CollectChannelBuffers(inWriter, inBlock, buffers))
+    if (!JoinChannels(inWriter, inBlock, static_cast<std::size_t>(frames), block.get()))
         return kTarvoResultUnsupportedFormat;
-    Interleave(buffers.data(), buffers.size(), static_cast<std::size_t>(width),
-               static_cast<std::size_t>(frames), block.get());
 
     ExtendedErrorInfo info;
     // The writer appends wherever the block says it belongs, so a position may wrap.

@@ -1,10 +1,11 @@
 // VectorBlocks: what splitting and joining the channels of frames have in common.
 //
 // A vector is one or two blocks of 16 bytes, and everything but loading and storing stays within
-// blocks. Both directions turn squares of samples in registers, whole chunks of frames at a time,
-// in tiles that stay in the first-level cache while one group of channels after the other takes its
-// turn. Compiled once for each target, as Highway's own headers are; a file that includes it leaves
-// out the targets with wider vectors, which would only repeat the code.
+// blocks. Where all channels are at hand, squares of samples are turned in registers, whole chunks
+// of frames at a time, in tiles that stay in the first-level cache while one group of channels
+// after the other takes its turn. Compiled once for each target, as Highway's own headers are; a
+// file that includes it leaves out the targets with wider vectors, which would only repeat the
+// code.
 
 #include <hwy/highway.h>
 

@@ -12,7 +12,7 @@
 namespace
 {
 
-// A block of exactly this size at an odd address, so that a sanitizer sees one byte too many.
+// A block of exactly this size, at an odd address, so that a sanitizer sees one byte too many.
 class OddBlock
 {
 public:
@@ -58,7 +58,9 @@ testing::AssertionResult JoinsLikeAPlainLoop(std::size_t inChannels, std::size_t
 
     const OddBlock joined(expected.Size());
     std::memset(joined.Data(), 0x55, joined.Size());
-    tarvo::Interleave(in.data(), inChannels, inWidth, inFrames, joined.Data());
+    for (std::size_t channel = 0; channel < inChannels; ++channel)
+        tarvo::InterleaveChannel(channel, in[channel],
+                                 {inChannels, inWidth, inFrames, joined.Data()});
     for (std::size_t index = 0; index < joined.Size(); ++index)
         if (joined.Data()[index] != expected.Data()[index])
             return testing::AssertionFailure()
@@ -80,26 +82,23 @@ TEST_P(Interleaving, MatchesAPlainLoopForEveryWidthAndChannelCount)
 {
     for (std::size_t width = 1; width <= 4; ++width)
         for (std::size_t channels = 1; channels <= 24; ++channels)
-            for (const std::size_t frames :
-                 {1, 2, 3, 7, 8, 31, 32, 33, 34, 35, 47, 48, 63, 64, 65, 66, 67, 100, 129, 257})
+            for (std::size_t frames = 1; frames <= 70; ++frames)
                 ASSERT_TRUE(JoinsLikeAPlainLoop(channels, width, frames));
 }
 
-TEST_P(Interleaving, MatchesAPlainLoopOverSeveralTiles)
+TEST_P(Interleaving, MatchesAPlainLoopForLongBlocks)
 {
     for (std::size_t width = 1; width <= 4; ++width)
-        for (const std::size_t channels : {2, 3, 5, 6, 9, 16, 17, 64, 600})
+        for (const std::size_t channels : {1, 2, 3, 6, 16, 600})
             ASSERT_TRUE(JoinsLikeAPlainLoop(channels, width, 40011 / channels));
 }
 
 TEST(Interleave, OfNoFramesTouchesNothing)
 {
-    const char* const channels[] = {nullptr, nullptr};
     for (std::size_t width = 1; width <= 4; ++width)
-    {
-        tarvo::Interleave(channels, 2, width, 0, nullptr);
-        tarvo::Interleave(nullptr, 0, width, 0, nullptr);
-    }
+        for (const std::size_t channels : {1, 2, 6})
+            for (std::size_t channel = 0; channel < channels; ++channel)
+                tarvo::InterleaveChannel(channel, nullptr, {channels, width, 0, nullptr});
 }
 
 // Those that the code under test is compiled for and this processor has.

@@ -1,7 +1,9 @@
 // Selectors 18 and 19: what reaches the file, the bounds of a block, and who owns the writer.
 #include "tests/Tarvo_PlugIns/TarvoAT/WriteSessionFixture.h"
 
+#include <algorithm>
 #include <stdexcept>
+#include <utility>
 
 namespace
 {
@@ -30,6 +32,26 @@ public:
 
 private:
     std::int64_t mThrowing;
+};
+
+// Hands out one and the same memory for every channel, filled anew each time it is asked.
+class SharedMemoryBlock : public RecordingWriteSamples
+{
+public:
+    SharedMemoryBlock(CallLog& outLog, std::vector<Bytes> inChannels)
+        : RecordingWriteSamples(outLog), mChannels(std::move(inChannels)), mMemory(mChannels[0])
+    {
+    }
+    const char* GetChannelBuffer(std::int64_t inChannel) const override
+    {
+        const Bytes& channel = mChannels.at(static_cast<std::size_t>(inChannel));
+        std::copy(channel.begin(), channel.end(), mMemory.begin());
+        return reinterpret_cast<const char*>(mMemory.data());
+    }
+
+private:
+    std::vector<Bytes> mChannels;
+    mutable Bytes mMemory;
 };
 
 TEST_F(WriteSamplesTest, AsksForTheCountFirstAndForEachChannelOnce)
@@ -71,6 +93,34 @@ TEST_F(WriteSamplesTest, PutsTheChannelsOfEachFrameSideBySideInEveryWidth)
         EXPECT_EQ(mPlatform.Written().back().mFrames, 2u);
         EXPECT_EQ(mPlatform.Written().back().mBytes, row.mFrames) << row.mType;
         EXPECT_EQ(Finish(), 0);
+    }
+}
+
+// Sample bytes count up in the order in which they belong into the file.
+TEST_F(WriteSamplesTest, TakesEachChannelBeforeItAsksForTheNextOne)
+{
+    constexpr UInt32 kFrames = 70;
+    for (const UInt32 channels : {1u, 2u, 3u, 6u})
+    {
+        StoreWave(channels);
+        for (const UInt32 width : {1u, 2u, 3u, 4u})
+        {
+            Bytes frames(kFrames * channels * width);
+            std::vector<Bytes> planes(channels);
+            for (std::size_t index = 0; index < frames.size(); ++index)
+            {
+                frames[index] = static_cast<std::uint8_t>(index);
+                planes[index / width % channels].push_back(frames[index]);
+            }
+            mFormat.mSampleType = static_cast<std::int32_t>(10 * width);
+            ASSERT_EQ(Start(), 0);
+            SharedMemoryBlock block(mLog, planes);
+            block.mCount = kFrames;
+            EXPECT_EQ(Call(18, mStart.mHandle, &block), 0);
+            EXPECT_EQ(mPlatform.Written().back().mBytes, frames)
+                << channels << " channels of " << width << " bytes";
+            EXPECT_EQ(Finish(), 0);
+        }
     }
 }
 
