@@ -112,10 +112,11 @@ public:
     }
     void Fail(ArchiveFault inFault, const UTF8String& inDetail)
     {
-        if (mResult.mFault == ArchiveFault::None)
+        if (!HasFailed())
             mResult = {inFault, inDetail};
         XML_StopParser(mParser, XML_FALSE);
     }
+    bool HasFailed() const { return mResult.mFault != ArchiveFault::None; }
     void FailHere(ArchiveFault inFault)
     {
         Fail(inFault, std::to_string(XML_GetCurrentLineNumber(mParser)).c_str());
@@ -212,11 +213,11 @@ void Reader::CloseWidget()
 
 ArchiveResult Reader::Finish(bool inIsWhole, std::vector<ArchivedControl>& outControls)
 {
-    if (!inIsWhole && mResult.mFault == ArchiveFault::None)
+    if (!inIsWhole && !HasFailed())
         FailHere(ArchiveFault::NotXML);
-    if (mResult.mFault == ArchiveFault::None && !mHasForm)
+    if (!HasFailed() && !mHasForm)
         mResult = {ArchiveFault::NotAForm, {}};
-    if (mResult.mFault == ArchiveFault::None)
+    if (!HasFailed())
         outControls.swap(mControls);
     return mResult;
 }
@@ -226,19 +227,23 @@ Reader& ReaderOf(void* inUserData)
     return *static_cast<Reader*>(inUserData);
 }
 
+// A parser that was told to stop still tells of what it has begun, such as an empty element's end.
 void XMLCALL OnOpen(void* inUserData, const char* inName, const char** inAttributes)
 {
-    ReaderOf(inUserData).Open(inName, inAttributes);
+    if (!ReaderOf(inUserData).HasFailed())
+        ReaderOf(inUserData).Open(inName, inAttributes);
 }
 
 void XMLCALL OnClose(void* inUserData, const char*)
 {
-    ReaderOf(inUserData).Close();
+    if (!ReaderOf(inUserData).HasFailed())
+        ReaderOf(inUserData).Close();
 }
 
 void XMLCALL OnText(void* inUserData, const char* inText, int inBytes)
 {
-    ReaderOf(inUserData).Text(inText, inBytes);
+    if (!ReaderOf(inUserData).HasFailed())
+        ReaderOf(inUserData).Text(inText, inBytes);
 }
 
 // Forms declare nothing; declarations are how small files become large ones.
