@@ -18,7 +18,10 @@ namespace
 // Disks and file systems that cannot sync (pipes, devices) are in order.
 bool Sync(int inDescriptor)
 {
-    return fsync(inDescriptor) == 0 || errno == EINVAL || errno == ENOTSUP || errno == EROFS;
+    while (fsync(inDescriptor) != 0)
+        if (errno != EINTR)
+            return errno == EINVAL || errno == ENOTSUP || errno == EROFS;
+    return true;
 }
 
 // Waits for a reader where the target is a pipe, until a signal arrives.

@@ -27,7 +27,10 @@ mode_t DefaultMode()
 // Disks and file systems that cannot sync are in order.
 bool Sync(int inDescriptor)
 {
-    return fsync(inDescriptor) == 0 || errno == EINVAL || errno == ENOTSUP || errno == EROFS;
+    while (fsync(inDescriptor) != 0)
+        if (errno != EINTR)
+            return errno == EINVAL || errno == ENOTSUP || errno == EROFS;
+    return true;
 }
 
 // Sets the permissions before the sync, which takes them to disk too. At worst the file stays

@@ -111,6 +111,15 @@ OSStatus StatusOfCreating(int inError)
     }
 }
 
+// Zero, or the error's number.
+int SetFileSize(int inDescriptor, SInt64 inSize)
+{
+    while (::ftruncate(inDescriptor, inSize) != 0)
+        if (errno != EINTR)
+            return errno;
+    return 0;
+}
+
 class FileSink : public ByteSink
 {
 public:
@@ -156,7 +165,10 @@ public:
         if (inSize < 0 || inSize > mSize)
             return kAudioFilePositionError;
         mSize = inSize;
-        return CutFile();
+        if (!mIsRegular)
+            return noErr;
+        const int error = SetFileSize(mDescriptor, mSize);
+        return error == 0 ? OSStatus{noErr} : StatusOfWriting(error);
     }
 
     OSStatus Close() override
@@ -194,16 +206,6 @@ private:
         return noErr;
     }
 
-    OSStatus CutFile() const
-    {
-        if (!mIsRegular)
-            return noErr;
-        while (::ftruncate(mDescriptor, mSize) != 0)
-            if (errno != EINTR)
-                return StatusOfWriting(errno);
-        return noErr;
-    }
-
     int mDescriptor;
     const bool mIsRegular;
     SInt64 mSize = 0;
@@ -236,8 +238,8 @@ OSStatus CreateFileSink(const char* inPath, bool inReplaces, ByteSinkPtr& outSin
     if (!isRegular && !S_ISCHR(state.st_mode))
         return kAudioFilePermissionsError;
     // Only now is it known to be a thing that may be emptied.
-    if (isRegular && ::ftruncate(descriptor, 0) != 0)
-        return StatusOfCreating(errno);
+    if (const int error = isRegular ? SetFileSize(descriptor, 0) : 0; error != 0)
+        return StatusOfCreating(error);
     outSink = std::move(sink);
     return noErr;
 }
