@@ -1,0 +1,13 @@
+// KnownQtLeaks: what leak checkers are to pass over in programs that show windows.
+//
+// Qt and fontconfig keep what they have read of fonts and themes to the end of a process.
+
+extern "C" __attribute__((visibility("default"))) const char* __lsan_default_suppressions();
+
+const char* __lsan_default_suppressions()
+{
+    return "leak:libfontconfig.so\n"
+           "leak:libQt6Core.so\n"
+           "leak:libQt6Gui.so\n"
+           "leak:libQt6Widgets.so\n";
+}
