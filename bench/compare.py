@@ -2,104 +2,20 @@
 
 Every row is measured in rounds; in each round the programs run one behind the other, and the figure of
 the row is the median of the rounds' ratios. Lower is better. Inputs are made afresh in the folder for
-temporary files and read once before they count, so that they come from memory.
+temporary files and read once before they count, so that they come from memory. How exports are compared
+is told in exporting.py.
 """
 
 import argparse
-import json
 import os
 import re
 import shutil
 import statistics
-import subprocess
 import sys
 import tempfile
-import time
 
-SOURCE_SECONDS = 20  # repeated for longer inputs
-SOURCE = ("aevalsrc=exprs='0.4*sin(2*PI*220*t)+0.1*random({c})-0.05|0.3*sin(2*PI*330*t)+0.1*random(1{c})-0.05'"
-          ":s={rate}:d={seconds}")
-
-
-def ffmpeg(*arguments):
-    subprocess.run(["ffmpeg", "-v", "error", "-nostdin", "-y", *arguments], check=True)
-
-
-class Inputs:
-    """Makes each input once."""
-
-    def __init__(self, folder, seconds):
-        self.folder = folder
-        self.seconds = seconds
-
-    def source(self, channels, rate):
-        path = os.path.join(self.folder, f"source-{channels}-{rate}.wav")
-        if not os.path.exists(path):
-            pair = SOURCE.format(c=0, rate=rate, seconds=SOURCE_SECONDS)
-            repeat = "|".join(f"c{i}=c{i % 2}" for i in range(channels))
-            ffmpeg("-f", "lavfi", "-i", pair, "-af", f"pan={channels}c|{repeat}", "-c:a", "pcm_s24le",
-                   "-rf64", "auto", path)
-        return path
-
-    def make(self, name, options, channels=2, rate=44100, seconds=None):
-        seconds = seconds or self.seconds
-        path = os.path.join(self.folder, f"{seconds}-{name}")
-        if not os.path.exists(path):
-            ffmpeg("-stream_loop", "-1", "-i", self.source(channels, rate), "-t", str(seconds), *options, path)
-        return path
-
-
-def line(command):
-    """The measuring line of one program."""
-    answer = subprocess.run(command, check=True, capture_output=True, text=True).stdout
-    return json.loads(answer.strip().splitlines()[-1])
-
-
-def whole(command):
-    """Seconds of a whole process."""
-    start = time.perf_counter()
-    subprocess.run(command, check=True, stdout=subprocess.DEVNULL, stderr=subprocess.DEVNULL)
-    return time.perf_counter() - start
-
-
-def whole_cpu(command):
-    """Processor seconds of a whole process, loading included."""
-    process = subprocess.Popen(command, stdout=subprocess.DEVNULL, stderr=subprocess.DEVNULL)
-    _, status, usage = os.wait4(process.pid, 0)
-    process.returncode = os.waitstatus_to_exitcode(status)
-    if process.returncode != 0:
-        raise subprocess.CalledProcessError(process.returncode, command)
-    return usage.ru_utime + usage.ru_stime
-
-
-class Table:
-    def __init__(self, rounds, only):
-        self.rounds = rounds
-        self.only = only
-        self.missed = 0
-        print(f"{'what':44} {'ratio':>7} {'bar':>6}   {'project':>10} {'rival':>10}")
-
-    def row(self, name, bar, ours, theirs, rounds=None):
-        """ours and theirs measure one run each; their figures are compared round by round."""
-        if self.only and not re.search(self.only, name):
-            return
-        ratios, project, rival = [], [], []
-        ours()  # warms the file up
-        for _ in range(rounds or self.rounds):
-            project.append(ours())
-            rival.append(theirs())
-            ratios.append(project[-1] / rival[-1])
-        self.tell(name, statistics.median(ratios), bar, statistics.median(project),
-                  statistics.median(rival))
-
-    def tell(self, name, value, bar, project, rival):
-        verdict = ""
-        if bar is not None and value > bar:
-            verdict = "  over its bar"
-            self.missed += 1
-        shown = f"{bar:6.2f}" if bar is not None else "     -"
-        print(f"{name:44} {value:7.3f} {shown}   {project:10.6g} {rival:10.6g}{verdict}", flush=True)
-
+from exporting import convert_rows, export_memory_rows, export_rows
+from measuring import Inputs, Table, line, whole, whole_cpu
 
 PCM = [  # name, file, options, channels, rate, bars beside libsndfile and libav
     ("WAV 16-bit stereo", "s16.wav", ["-c:a", "pcm_s16le"], 2, 44100, 1.20, 0.35),
@@ -231,24 +147,37 @@ def memory_rows(table, inputs, programs):
         os.remove(long)
 
 
+PARTS = {"read": read_rows, "open": open_rows, "process": process_rows, "start": start_rows, "memory": memory_rows,
+         "export": export_rows, "convert": convert_rows, "export-memory": export_memory_rows}
+WRITING_PARTS = ("export", "convert", "export-memory")
+
+
+def memory_folder():
+    """Where disks do not take part; none means the usual folder for temporary files."""
+    return "/dev/shm" if os.access("/dev/shm", os.W_OK) else None
+
+
 def main():
     parser = argparse.ArgumentParser()
     parser.add_argument("--bin", required=True)
-    parser.add_argument("--seconds", type=int, default=300)
+    parser.add_argument("--seconds", type=int, default=300, help="of audio that is read")
+    parser.add_argument("--export-seconds", type=int, default=600, help="of audio that is written")
     parser.add_argument("--rounds", type=int, default=9)
     parser.add_argument("--only", help="rows whose name holds this expression")
-    parser.add_argument("--parts", default="read,open,process,start,memory")
+    parser.add_argument("--parts", default=",".join(PARTS), help="of " + ",".join(PARTS))
     arguments = parser.parse_args()
 
     program = lambda name: os.path.join(arguments.bin, name)
     programs = {"tarvo": program("tarvo"), "host": program("hostbench"), "libav": program("libavbench"),
-                "sndfile": program("sndfilebench"), "catalogue": program("cataloguebench")}
-    parts = {"read": read_rows, "open": open_rows, "process": process_rows, "start": start_rows, "memory": memory_rows}
-    with tempfile.TemporaryDirectory() as folder:
-        inputs = Inputs(folder, arguments.seconds)
+                "sndfile": program("sndfilebench"), "catalogue": program("cataloguebench"),
+                "hostwrite": program("hostwrite"), "libavwrite": program("libavwrite"),
+                "sndfilewrite": program("sndfilewrite")}
+    with tempfile.TemporaryDirectory() as folder, tempfile.TemporaryDirectory(dir=memory_folder()) as memory:
+        read = Inputs(folder, arguments.seconds)
+        written = Inputs(memory, arguments.export_seconds)
         table = Table(arguments.rounds, arguments.only)
         for name in arguments.parts.split(","):
-            parts[name](table, inputs, programs)
+            PARTS[name](table, written if name in WRITING_PARTS else read, programs)
     print(f"{table.missed} over their bars")
     return 0
 
