@@ -9,6 +9,8 @@
 #include <QLayout>
 #include <QPushButton>
 
+#include <utility>
+
 namespace kelpui::qt
 {
 namespace
@@ -37,10 +39,11 @@ DialogRun::DialogRun(ui::UI_ArchivedDialog& ioDialog)
 void DialogRun::ShowControls()
 {
     const RunAction run = [this](const std::function<void()>& action) { Run(action); };
+    const NoteChange note = [this] { SettleSoon(); };
     for (const ui::ControlRef& control : mDialog.GetControls())
     {
         auto* const widget = mWindow->findChild<QWidget*>(ToQt(control->GetID()));
-        auto shown = widget ? MakeShownControl(control, *widget, run) : nullptr;
+        auto shown = widget ? MakeShownControl(control, *widget, run, note) : nullptr;
         if (!shown)
             ThrowNoForm(mDialog);
         mControls.push_back(std::move(shown));
@@ -89,7 +92,7 @@ void DialogRun::Show()
         mWindow->move(static_cast<int>(position.mX), static_cast<int>(position.mY));
     parent.Adopt(*mWindow);
     mWindow->FocusFirstControl();
-    // Whoever ends the dialog or changes a control without the user is noticed here.
+    // Nobody tells that the dialog has ended without the user.
     QObject::connect(QAbstractEventDispatcher::instance(), &QAbstractEventDispatcher::aboutToBlock,
                      mWindow.get(), [this] { Run([] {}); });
     mWindow->exec();
@@ -129,6 +132,19 @@ void DialogRun::Settle()
     mBuddies.Update();
     if (!mDialog.IsRunning())
         mWindow->done(QDialog::Accepted);
+}
+
+// Not all changes are a user's doing.
+void DialogRun::SettleSoon()
+{
+    if (std::exchange(mSettlesSoon, true))
+        return;
+    const auto settle = [this]
+    {
+        mSettlesSoon = false;
+        Run([] {});
+    };
+    QMetaObject::invokeMethod(mWindow.get(), settle, Qt::QueuedConnection);
 }
 
 }  // namespace kelpui::qt

@@ -31,11 +31,13 @@ private:
     void Cancel();
     void Run(const std::function<void()>& inAction);
     void Settle();
+    void SettleSoon();
 
     ui::UI_ArchivedDialog& mDialog;
     const std::unique_ptr<DialogWindow> mWindow;
     std::vector<std::unique_ptr<ShownControl>> mControls;
     const LabelBuddies mBuddies;
+    bool mSettlesSoon = false;
     std::exception_ptr mThrown;
 };
 

@@ -22,8 +22,9 @@ using controls::UI_StaticText;
 class ShownPopup final : public ShownControl
 {
 public:
-    ShownPopup(UI_Popup& inPopup, QComboBox& inBox, const RunAction& inRun)
-        : ShownControl(&inPopup, inBox), mPopup(inPopup), mBox(inBox)
+    ShownPopup(UI_Popup& inPopup, QComboBox& inBox, const RunAction& inRun,
+               const NoteChange& inNote)
+        : ShownControl(&inPopup, inBox, inNote), mPopup(inPopup), mBox(inBox)
     {
         // Of choices by the user only; what ShowState does is none.
         QObject::connect(&inBox, &QComboBox::activated, &inBox,
@@ -63,8 +64,8 @@ private:
 class ShownText final : public ShownControl
 {
 public:
-    ShownText(UI_StaticText& inText, QLabel& inLabel)
-        : ShownControl(&inText, inLabel), mText(inText), mLabel(inLabel)
+    ShownText(UI_StaticText& inText, QLabel& inLabel, const NoteChange& inNote)
+        : ShownControl(&inText, inLabel, inNote), mText(inText), mLabel(inLabel)
     {
         mLabel.setTextFormat(Qt::PlainText);
     }
@@ -86,8 +87,9 @@ private:
 class ShownButton final : public ShownControl
 {
 public:
-    ShownButton(UI_Button& inButton, QPushButton& inPushButton, const RunAction& inRun)
-        : ShownControl(&inButton, inPushButton)
+    ShownButton(UI_Button& inButton, QPushButton& inPushButton, const RunAction& inRun,
+                const NoteChange& inNote)
+        : ShownControl(&inButton, inPushButton, inNote)
     {
         QObject::connect(&inPushButton, &QPushButton::clicked, &inPushButton,
                          [&inButton, inRun] { inRun([&] { inButton.Press(); }); });
@@ -96,10 +98,16 @@ public:
 
 }  // namespace
 
-ShownControl::ShownControl(const ui::ControlRef& inControl, QWidget& inWidget)
+ShownControl::ShownControl(const ui::ControlRef& inControl, QWidget& inWidget,
+                           const NoteChange& inNote)
     : mControl(inControl), mWidget(inWidget)
 {
-    mControl->SetObserver([this](UI_ControlView&) { mHasChanged = true; });
+    mControl->SetObserver(
+        [this, inNote](UI_ControlView&)
+        {
+        mHasChanged = true;
+        inNote();
+    });
 }
 
 ShownControl::~ShownControl()
@@ -118,26 +126,26 @@ void ShownControl::ShowChanges()
 }
 
 std::unique_ptr<ShownControl> MakeShownControl(const ui::ControlRef& inControl, QWidget& inWidget,
-                                               const RunAction& inRun)
+                                               const RunAction& inRun, const NoteChange& inNote)
 {
     UI_ControlView* const control = inControl.get();
     if (auto* const popup = dynamic_cast<UI_Popup*>(control))
     {
         auto* const box = qobject_cast<QComboBox*>(&inWidget);
-        return box ? std::make_unique<ShownPopup>(*popup, *box, inRun) : nullptr;
+        return box ? std::make_unique<ShownPopup>(*popup, *box, inRun, inNote) : nullptr;
     }
     if (auto* const text = dynamic_cast<UI_StaticText*>(control))
     {
         auto* const label = qobject_cast<QLabel*>(&inWidget);
-        return label ? std::make_unique<ShownText>(*text, *label) : nullptr;
+        return label ? std::make_unique<ShownText>(*text, *label, inNote) : nullptr;
     }
     if (auto* const button = dynamic_cast<UI_Button*>(control))
     {
         auto* const push = qobject_cast<QPushButton*>(&inWidget);
-        return push ? std::make_unique<ShownButton>(*button, *push, inRun) : nullptr;
+        return push ? std::make_unique<ShownButton>(*button, *push, inRun, inNote) : nullptr;
     }
     // Of an owner's own kind: whether it shows and takes input is all that is known of it.
-    return std::make_unique<ShownControl>(inControl, inWidget);
+    return std::make_unique<ShownControl>(inControl, inWidget, inNote);
 }
 
 }  // namespace kelpui::qt

@@ -15,11 +15,14 @@ namespace kelpui::qt
 /// Runs something that the user did; bound functions run in it. It lets no exception out.
 using RunAction = std::function<void(const std::function<void()>& inAction)>;
 
+/// Told after each change of a control, whoever made it.
+using NoteChange = std::function<void()>;
+
 class ShownControl
 {
 public:
     /// Observes the control until the object dies. The widget may die before.
-    ShownControl(const ui::ControlRef& inControl, QWidget& inWidget);
+    ShownControl(const ui::ControlRef& inControl, QWidget& inWidget, const NoteChange& inNote);
     virtual ~ShownControl();
     ShownControl(const ShownControl&) = delete;
     ShownControl& operator=(const ShownControl&) = delete;
@@ -40,7 +43,7 @@ private:
 
 /// Null when the widget cannot show a control of that class.
 std::unique_ptr<ShownControl> MakeShownControl(const ui::ControlRef& inControl, QWidget& inWidget,
-                                               const RunAction& inRun);
+                                               const RunAction& inRun, const NoteChange& inNote);
 
 }  // namespace kelpui::qt
 

@@ -4,6 +4,9 @@
 #include <QApplication>
 #include <QTimer>
 
+#include <new>
+#include <stdexcept>
+
 namespace
 {
 
@@ -71,6 +74,72 @@ TEST(Closing, ClosingTheWindowCancels)
     EXPECT_EQ(dialog.Run([&] { dialog.Window().close(); }), kCancelled);
     EXPECT_FALSE(dialog.WasOpen());
     EXPECT_EQ(presses, 1);
+}
+
+TEST(Closing, WindowStaysWhileCancelIsDisabled)
+{
+    OpenDialog dialog;
+    dialog.Button("CancelButtonID").SetDisabled(true);
+    dialog.Run(
+        [&]
+        {
+        dialog.Press(Qt::Key_Escape);
+        dialog.Window().close();
+        EXPECT_TRUE(dialog.Window().isVisible());
+    });
+    EXPECT_TRUE(dialog.WasOpen());
+}
+
+TEST(Closing, ADialogWithoutACancelButtonIsCancelledByEscape)
+{
+    OpenDialog dialog;
+    dialog.Dialog().SetCancelButton({});
+    EXPECT_EQ(dialog.Run([&] { dialog.Press(Qt::Key_Escape); }), kCancelled);
+    EXPECT_FALSE(dialog.WasOpen());
+}
+
+TEST(Closing, TheOwnerMayEndTheDialog)
+{
+    OpenDialog dialog;
+    QTimer::singleShot(50, [&] { dialog.Dialog().EndDialog(kOK); });
+    dialog.Dialog().RunDialog();
+    EXPECT_EQ(dialog.Dialog().GetResult(), kOK);
+}
+
+TEST(Closing, TheEndOfTheApplicationCancels)
+{
+    OpenDialog dialog;
+    QTimer::singleShot(0, [&] { dialog.Dialog().RunDialog(); });
+    QTimer::singleShot(50, [] { QApplication::exit(); });
+    QApplication::exec();
+    EXPECT_EQ(dialog.Dialog().GetResult(), kCancelled);
+    EXPECT_FALSE(dialog.Dialog().IsRunning());
+}
+
+TEST(Closing, ADialogRunsAgain)
+{
+    OpenDialog dialog;
+    EXPECT_EQ(dialog.Run([&] { dialog.Click(dialog.Push("OKButtonID")); }), kOK);
+    EXPECT_EQ(dialog.Run([&] { dialog.Press(Qt::Key_Escape); }), kCancelled);
+    EXPECT_EQ(dialog.Run([&] { dialog.Click(dialog.Push("OKButtonID")); }), kOK);
+}
+
+TEST(Closing, WhatABoundFunctionThrowsComesOutOfTheRun)
+{
+    OpenDialog dialog;
+    dialog.Fill("FileTypePopupID", {u"AIFF", u"WAVE"});
+    dialog.WhenChanged("FileTypePopupID", [] { throw std::out_of_range("no such type"); });
+    EXPECT_THROW(dialog.Run([&] { dialog.Press(Qt::Key_Down); }), std::out_of_range);
+    EXPECT_FALSE(dialog.Dialog().IsRunning());
+    EXPECT_EQ(dialog.Dialog().GetResult(), kCancelled);
+    EXPECT_EQ(QApplication::activeModalWidget(), nullptr);
+}
+
+TEST(Closing, WhatIsThrownOnOKCancels)
+{
+    OpenDialog dialog;
+    dialog.WhenChanged("OKButtonID", [] { throw std::bad_alloc(); });
+    EXPECT_THROW(dialog.Run([&] { dialog.Press(Qt::Key_Return); }), std::bad_alloc);
 }
 
 }  // namespace

@@ -114,15 +114,18 @@ void OpenDialog::WhenChanged(const char* inID, const std::function<void()>& inAc
 
 long OpenDialog::Run(const std::function<void()>& inAct)
 {
+    bool hasActed = false;
     QTimer::singleShot(0,
                        [&]
                        {
         EXPECT_TRUE(QTest::qWaitForWindowActive(&Window()));
+        hasActed = true;
         inAct();
         mWasOpen = mDialog->IsRunning();
         mDialog->EndDialog(UI_ArchivedDialog::kCancelled);
     });
     mDialog->RunDialog();
+    EXPECT_TRUE(hasActed);
     return mDialog->GetResult();
 }
 

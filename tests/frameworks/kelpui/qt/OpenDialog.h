@@ -6,6 +6,7 @@
 #include <kelpui/controls/UI_StaticText.h>
 #include <kelpui/ui/UI_ArchivedDialog.h>
 
+#include <QAbstractItemView>
 #include <QComboBox>
 #include <QDialog>
 #include <QLabel>
