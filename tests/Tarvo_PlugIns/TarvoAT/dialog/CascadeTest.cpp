@@ -286,6 +286,19 @@ TEST_F(DialogCascade, AFormatWithoutVariantsKeepsTheStreamFormat)
     EXPECT_EQ(settings.GetBitsPerChannel(), 16u);
 }
 
+TEST_F(DialogCascade, AFormatWithoutVariantsLeavesTheVerdictToTheStreamFormat)
+{
+    mScript.mFileTypes[kADTS].mFormats = {{kAAC, {}}};
+    Run(
+        [](const DialogWindow& window)
+        {
+        window.Choose("FileType", 1);  // linear PCM is nothing for it
+        EXPECT_FALSE(window.CanPressOK());
+        window.Choose("FileType", 0);
+        EXPECT_TRUE(window.CanPressOK());
+    });
+}
+
 TEST_F(DialogCascade, OKIsOffUntilAChoiceMakesTheSettingsPossible)
 {
     mRefused = {kULaw};
@@ -332,68 +345,6 @@ TEST_F(DialogCascade, AnEmptyCatalogueHasEmptyPopupsAndNoOK)
                          "VBRQuality: Maximum | *High | Medium | Low | Minimum hidden",
                          "BitrateStaticText: 'Bitrate:'"}));
         EXPECT_FALSE(window.CanPressOK());
-    });
-}
-
-TEST_F(DialogCascade, CallsItsControlsInAFixedOrder)
-{
-    StoreAAC(0, 128000, kADTS);
-    Run(
-        [](const DialogWindow& window)
-        {
-        const Lines calls = window.Record([&] { window.Choose("FileType", 3); });
-        const std::string modes = "BitrateMode: *" + kModes + "Variable Bitrate";
-        EXPECT_EQ(
-            calls,
-            (Lines{"FileType: WAVE | AAC | CAF | *MPEG-4",
-                   // the formats afresh
-                   "FormatType: disabled", "FormatType: disabled", "FormatType: *aac  disabled",
-                   "FormatType: *aac  disabled", "FormatType: *aac  | alac disabled",
-                   // variants, then modes
-                   "Variant: disabled hidden", "Variant: disabled hidden",
-                   "Variant: *aac  disabled hidden", "Variant: *aac  disabled hidden",
-                   "BitrateMode:", "BitrateMode:", "BitrateMode: *Constant Bitrate",
-                   "BitrateMode: *Constant Bitrate",
-                   "BitrateMode: *Constant Bitrate | Long-Term Average Bitrate",
-                   "BitrateMode: *Constant Bitrate | Long-Term Average Bitrate | Variable "
-                   "Bitrate (Constrained)",
-                   modes,
-                   // what shows
-                   "Variant: *aac  disabled hidden", modes,
-                   "VBRQuality: Maximum | *High | Medium | Low | Minimum hidden",
-                   "Bitrate: 64 kbps | *128 kbps | 192 kbps", "BitrateStaticText: 'Bitrate:'",
-                   // the rates afresh
-                   "Bitrate:", "Bitrate:", "Bitrate: *64 kbps", "Bitrate: *64 kbps | 128 kbps",
-                   "Bitrate: 64 kbps | *128 kbps", "Bitrate: 64 kbps | *128 kbps | 192 kbps",
-                   // what can be chosen
-                   "FormatType: *aac  | alac", "Variant: *aac  disabled hidden", modes,
-                   "Bitrate: 64 kbps | *128 kbps | 192 kbps", "OKButton:"}));
-    });
-}
-
-TEST_F(DialogCascade, CallsItsControlsInAFixedOrderOnTheWayOfVariants)
-{
-    StoreAAC(3);
-    Run(
-        [](const DialogWindow& window)
-        {
-        window.Choose("FormatType", 0);
-        const Lines calls = window.Record([&] { window.Choose("FormatType", 1); });
-        EXPECT_EQ(calls, (Lines{"FormatType: aac  | *alac",
-                                // variants, then modes
-                                "Variant: disabled hidden", "Variant: disabled hidden",
-                                "Variant: *alac disabled hidden", "Variant: *alac disabled hidden",
-                                "BitrateMode:", "BitrateMode:",
-                                // what shows; rate and quality stay as they are
-                                "Variant: *alac disabled", "BitrateMode: hidden",
-                                "BitrateStaticText: 'Bitrate:'",
-                                // the one rate
-                                "Bitrate: disabled hidden", "Bitrate: disabled hidden",
-                                "Bitrate: *680.02 kbps disabled hidden",
-                                // what can be chosen
-                                "FormatType: aac  | *alac", "Variant: *alac disabled",
-                                "BitrateMode: disabled hidden",
-                                "Bitrate: *680.02 kbps disabled hidden", "OKButton:"}));
     });
 }
 

@@ -45,17 +45,17 @@ std::string FormText()
 
 DialogArchiveFile::DialogArchiveFile(const std::string& inText)
 {
-    std::string path = testing::TempDir() + "dialog-XXXXXX";
-    const int descriptor = mkstemp(path.data());
+    mPath = testing::TempDir() + "dialog-XXXXXX";
+    const int descriptor = mkstemp(mPath.data());
     EXPECT_GE(descriptor, 0);
     EXPECT_EQ(write(descriptor, inText.data(), inText.size()), static_cast<ssize_t>(inText.size()));
     close(descriptor);
-    sPath = path;
+    sPath = mPath;
 }
 
 DialogArchiveFile::~DialogArchiveFile()
 {
-    std::remove(sPath.c_str());
+    std::remove(mPath.c_str());
     sPath.clear();
 }
 

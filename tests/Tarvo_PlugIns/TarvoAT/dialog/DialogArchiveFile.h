@@ -10,7 +10,7 @@ namespace testing_support
 /// The form as it is among the sources.
 std::string FormText();
 
-/// Bundles have this text as their one resource for the length of the object.
+/// Bundles have this text as their one resource until an object ends, and none from then on.
 class DialogArchiveFile
 {
 public:
@@ -18,6 +18,9 @@ public:
     ~DialogArchiveFile();
     DialogArchiveFile(const DialogArchiveFile&) = delete;
     DialogArchiveFile& operator=(const DialogArchiveFile&) = delete;
+
+private:
+    std::string mPath;
 };
 
 }  // namespace testing_support

@@ -62,19 +62,6 @@ public:
     void PressOK() const { mDialog.GetOkButton()->Press(); }
     void PressCancel() const { mDialog.GetCancelButton()->Press(); }
 
-    /// The controls after each call that sets something in one of them, while inAct runs.
-    std::vector<std::string> Record(const std::function<void()>& inAct) const
-    {
-        std::vector<std::string> lines;
-        for (const kelpui::ui::ControlRef& control : mDialog.GetControls())
-            control->SetObserver([&lines](UI_ControlView& changed)
-                                 { lines.push_back(Describe(changed)); });
-        inAct();
-        for (const kelpui::ui::ControlRef& control : mDialog.GetControls())
-            control->SetObserver({});
-        return lines;
-    }
-
 private:
     UI_ArchivedDialog& mDialog;
 };

@@ -180,11 +180,20 @@ TEST_F(ExportDialogSelector, AnyOtherFilterChangesNothing)
 
 TEST_F(ExportDialogSelector, AFilterThatIsNoNumberThrowsBeforeAnythingOpens)
 {
-    mFormat.mFilterId = u"AAC";
-    bool opened = false;
-    EXPECT_THROW(Enter([&](const DialogWindow&) { opened = true; }),
-                 kelpcore::utility::NumberFormatError);
-    EXPECT_FALSE(opened);
+    for (const char16_t* filter : {u"AAC", u"1633973363x", u"-1", u"4294967296"})
+    {
+        mFormat.mFilterId = filter;
+        EXPECT_THROW(Enter([](const DialogWindow&) { ADD_FAILURE() << "a window opened"; }),
+                     kelpcore::utility::NumberFormatError)
+            << Quoted(filter);
+        EXPECT_EQ(mLog.back(), "GetFilterId");
+    }
+}
+
+TEST_F(ExportDialogSelector, ADialogThatCannotBeOpenedThrowsAndNothingIsTold)
+{
+    const DialogArchiveFile damaged("<ui");
+    EXPECT_THROW(Enter(PressOK), kelpui::ui::DialogArchiveError);
     EXPECT_EQ(mLog.back(), "GetFilterId");
 }
 

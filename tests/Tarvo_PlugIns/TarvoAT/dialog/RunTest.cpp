@@ -10,7 +10,23 @@ using namespace testing_support;
 using tarvo::TarvoATPrivateSettings;
 using tarvo::TarvoATSettingsDialog;
 
-using DialogRun = SettingsDialog;
+class DialogRun : public SettingsDialog
+{
+protected:
+    // The text of the error that a run ends in before anything opens.
+    std::string ErrorOfRun()
+    {
+        try
+        {
+            Run([](const DialogWindow&) { ADD_FAILURE() << "a window opened"; });
+        }
+        catch (const kelpui::ui::DialogArchiveError& error)
+        {
+            return error.what();
+        }
+        return "none";
+    }
+};
 
 std::string Without(std::string inText, const std::string& inPart, const std::string& inNew)
 {
@@ -175,13 +191,15 @@ TEST_F(DialogRun, EveryControlHasToBeThereInItsClass)
     }
 }
 
-TEST_F(DialogRun, AnArchiveThatIsMissingOrDamagedIsAnError)
+TEST_F(DialogRun, AnArchiveThatIsMissingOrDamagedIsAnErrorWithAText)
 {
     {
-        const DialogArchiveFile damaged(FormText().substr(0, 1000));
-        EXPECT_THROW(Run(DoNothing), kelpui::ui::DialogArchiveError);
+        const DialogArchiveFile damaged(FormText().substr(0, 100));
+        EXPECT_EQ(ErrorOfRun(), "The dialog \"FormatOptions\" is damaged at line 4.");
     }
-    EXPECT_THROW(Run(DoNothing), kelpui::ui::DialogArchiveError);  // its file is gone
+    // Its file is gone now.
+    EXPECT_EQ(ErrorOfRun(), "The dialog \"FormatOptions\" is not among the resources.");
+    EXPECT_EQ(mSettings.GetAudioFileTypeID(), kCAF);
 }
 
 TEST_F(DialogRun, AModuleThatWasNotStartedHasNoArchive)
