@@ -65,7 +65,7 @@ kelpui::ui::ButtonRef FindButton(const UI_ArchivedDialog& inDialog, const char* 
 
 std::string FormText()
 {
-    std::ifstream file(FORM, std::ios::binary);
+    std::ifstream file(RESOURCES "/FormatOptions.ui", std::ios::binary);
     return std::string((std::istreambuf_iterator<char>(file)), {});
 }
 
