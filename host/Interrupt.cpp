@@ -14,12 +14,13 @@ namespace
 {
 
 volatile std::sig_atomic_t sSignal = 0;
+volatile std::sig_atomic_t sEndsAtOnce = 0;
 std::atomic<const char*> sFileToRemove{nullptr};
 static_assert(std::atomic<const char*>::is_always_lock_free);  // a signal handler reads it
 
 void Note(int inSignal)
 {
-    if (sSignal == 0)
+    if (sSignal == 0 && sEndsAtOnce == 0)
     {
         sSignal = inSignal;
         return;
@@ -57,6 +58,16 @@ void CheckInterrupt()
 {
     if (sSignal != 0)
         throw Interrupted{sSignal};
+}
+
+InterruptsEndProcess::InterruptsEndProcess()
+{
+    sEndsAtOnce = 1;
+}
+
+InterruptsEndProcess::~InterruptsEndProcess()
+{
+    sEndsAtOnce = 0;
 }
 
 void RemoveWhenKilled(const char* inPath)

@@ -19,6 +19,17 @@ void WatchInterrupts();
 /// Throws Interrupted when a signal has arrived. System calls that wait answer EINTR then.
 void CheckInterrupt();
 
+/// As long as it lives, the first signal ends the process at once: for work that asks nobody, such
+/// as a dialog. One at a time.
+class InterruptsEndProcess
+{
+public:
+    InterruptsEndProcess();
+    ~InterruptsEndProcess();
+    InterruptsEndProcess(const InterruptsEndProcess&) = delete;
+    InterruptsEndProcess& operator=(const InterruptsEndProcess&) = delete;
+};
+
 /// The one file that even a second signal removes; null for none. The text stays the caller's and
 /// is used until the next call.
 void RemoveWhenKilled(const char* inPath);

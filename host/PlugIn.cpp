@@ -38,6 +38,7 @@ PlugIn::PlugIn(const std::string& inBundlePath)
     mEntry = reinterpret_cast<Entry>(dlsym(handle, "TarvoInterface"));
     if (!mEntry)
         throw Failure(kExitFailed, 0, library + ": has no TarvoInterface");
+    mBundle = bundle.string();
 }
 
 }  // namespace host

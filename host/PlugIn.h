@@ -26,7 +26,11 @@ public:
         return mEntry(inSelector, inHandle, inHostObject);
     }
 
+    /// The bundle's folder; empty without one.
+    const std::string& Bundle() const { return mBundle; }
+
 private:
+    std::string mBundle;
     Entry mEntry;
 };
 

@@ -38,6 +38,21 @@ void PrintFailure(const Failure& inFailure, const std::string& inPath, bool inJs
         PrintObject(FailureObject(inFailure, inPath));
 }
 
+ExitCode PrintCancelled(bool inJson, const std::string& inPath, const std::string& inOutput)
+{
+    std::fprintf(stderr, "tarvo: cancelled\n");
+    if (!inJson)
+        return kExitFailed;
+    nlohmann::ordered_json object = NewObject();
+    if (!inPath.empty())
+        object["path"] = inPath;
+    if (!inOutput.empty())
+        object["output"] = inOutput;
+    object["cancelled"] = true;
+    PrintObject(object);
+    return kExitFailed;
+}
+
 void FlushOutput()
 {
     if (std::fflush(stdout) != 0 || std::ferror(stdout))

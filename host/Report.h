@@ -30,6 +30,10 @@ nlohmann::ordered_json FailureObject(const Failure& inFailure, const std::string
 /// standard output. An empty path is left out.
 void PrintFailure(const Failure& inFailure, const std::string& inPath, bool inJson);
 
+/// Tells that the user closed a dialog without a choice, with inJson also as an object with the
+/// paths that are not empty; answers the exit code.
+ExitCode PrintCancelled(bool inJson, const std::string& inPath, const std::string& inOutput = "");
+
 /// Ends the process's output: what could not be written is a failure (kExitOutput).
 void FlushOutput();
 

@@ -16,7 +16,8 @@ namespace host
 /// Options that every command takes.
 struct CommonOptions
 {
-    std::string mBundle;  // empty: the one beside tarvo
+    std::string mBundle{};    // empty: the one beside tarvo
+    std::string mLanguage{};  // empty: by the locale
     int mTraceLevel = 0;
     bool mJSON = false;
 };

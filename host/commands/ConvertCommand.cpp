@@ -15,6 +15,7 @@
 #include <cstdio>
 #include <filesystem>
 #include <memory>
+#include <optional>
 #include <set>
 
 namespace host
@@ -31,6 +32,7 @@ struct ConvertCommandOptions
     ExportOptions mExport;
     std::string mDither = "tpdf";
     std::string mProgress;
+    bool mHasDialog = false;
     bool mIsDryRun = false;
     bool mVerifies = false;
     bool mForce = false;
@@ -202,13 +204,14 @@ public:
           mCommon(inCommon),
           mIsQuiet(inOptions.mIsQuiet),
           mIsBatch(!inOptions.mFolder.empty()),
+          mHasDialog(inOptions.mHasDialog),
           mJobs(inOptions.mJobs),
           mOptions(ReadOptions(inOptions)),
           mTasks(Tasks(inOptions, mOptions.mWish))
     {
     }
 
-    int Run() const
+    int Run()
     {
         if (mJobs > 1 && mTasks.size() > 1)
             return RunJobs(
@@ -219,7 +222,13 @@ public:
                 return ConvertOne(mTasks[inTask]);
                 },
                 [this](std::size_t inTask) { return mTasks[inTask].mSource; });
-        Register(mPlugIn);
+        const Registration registration = Register(mPlugIn);
+        if (mHasDialog)
+        {
+            ProvideDialogs();
+            mChooser.emplace(mPlugIn, registration);
+            mOptions.mChooser = &*mChooser;
+        }
         int code = kExitDone;
         for (const ConvertTask& task : mTasks)
         {
@@ -238,6 +247,8 @@ private:
             const ConvertReport report =
                 converter.Convert(inTask.mSource, inTask.mTarget,
                                   [&](const ExportPlan& inPlan) { TellChanges(inTask, inPlan); });
+            if (report.mIsCancelled)
+                return PrintCancelled(mCommon.mJSON, inTask.mSource, inTask.mTarget);
             if (mCommon.mJSON)
                 PrintForPrograms(inTask, report);
             else if (!mIsQuiet || mOptions.mIsDryRun)
@@ -266,9 +277,11 @@ private:
     const CommonOptions& mCommon;
     const bool mIsQuiet;
     const bool mIsBatch;
+    const bool mHasDialog;
     const std::size_t mJobs;
-    const ConvertOptions mOptions;
+    ConvertOptions mOptions;
     const std::vector<ConvertTask> mTasks;
+    std::optional<SettingsChooser> mChooser;
 };
 
 void AddOptions(CLI::App& ioCommand, ConvertCommandOptions& outOptions)
@@ -285,6 +298,7 @@ void AddOptions(CLI::App& ioCommand, ConvertCommandOptions& outOptions)
         ->check(CLI::Range(1, 256))
         ->needs(folder);
     AddExportOptions(ioCommand, outOptions.mExport);
+    AddDialogOption(ioCommand, outOptions.mHasDialog)->excludes(folder);
     ioCommand
         .add_option("--dither", outOptions.mDither,
                     "Noise when narrowing to 16 or 8 bits: tpdf (default) or none")

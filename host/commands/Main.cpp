@@ -1,6 +1,7 @@
 // tarvo: a host for the plug-in, on the command line.
 
 #include "host/Interrupt.h"
+#include "host/Language.h"
 #include "host/Report.h"
 #include "host/commands/Commands.h"
 
@@ -25,6 +26,8 @@ void AddCommonOptions(CLI::App& ioProgram, host::CommonOptions& outCommon)
             ->check(CLI::Range(0, 9));
         command->add_option("--plug-in", outCommon.mBundle,
                             "Bundle to load instead of tarvo's own");
+        command->add_option("--lang", outCommon.mLanguage,
+                            "Language of the plug-in's texts (en, de, ja), else the locale's");
     }
 }
 
@@ -48,6 +51,7 @@ int Run(const host::CommonOptions& inCommon, const host::Work& inWork)
     {
         kelpcore::debug::SetTraceLevel(inCommon.mTraceLevel);
         const host::PlugIn plugIn(inCommon.mBundle);
+        host::UseLanguage(plugIn.Bundle(), inCommon.mLanguage);
         const int code = inWork(plugIn);
         host::FlushOutput();
         return code;

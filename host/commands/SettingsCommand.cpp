@@ -7,6 +7,7 @@
 #include "host/export/ExportOptions.h"
 #include "host/export/ExportPlan.h"
 #include "host/export/Presets.h"
+#include "host/export/SettingsChooser.h"
 
 #include <cstdio>
 #include <memory>
@@ -21,6 +22,7 @@ struct SettingsCommandOptions
 {
     std::string mFile;  // empty: the plug-in's default audio
     ExportOptions mExport;
+    bool mHasDialog = false;
     std::string mPreset;  // empty: not to be kept
     bool mForce = false;
 };
@@ -89,13 +91,23 @@ int Settings(const PlugIn& inPlugIn, const CommonOptions& inCommon,
     const ExportWish wish = ReadWish(inOptions.mExport);
     if (!inOptions.mPreset.empty() && !IsPresetName(inOptions.mPreset))
         SavePreset(inOptions.mPreset, "", false);  // says why not
-    Register(inPlugIn);
+    const Registration registration = Register(inPlugIn);
+    if (inOptions.mHasDialog)
+        ProvideDialogs();
     try
     {
         const ExportSource source = Source(inPlugIn, inOptions.mFile, wish);
         const auto ask = [&](const ExportRequest& inRequest)
         { return AskExportSettings(inPlugIn, inRequest); };
-        const ExportPlan plan = PlanExport(ask, wish, source, "");
+        ExportPlan plan = PlanExport(ask, wish, source, "");
+        if (inOptions.mHasDialog)
+        {
+            const auto chosen =
+                SettingsChooser(inPlugIn, registration).Choose(wish, source, plan, "");
+            if (!chosen)
+                return PrintCancelled(inCommon.mJSON, inOptions.mFile);
+            plan = *chosen;
+        }
         for (const std::string& change : plan.mChanges)
             std::fprintf(stderr, "tarvo: %s\n", change.c_str());
         if (!inOptions.mPreset.empty())
@@ -120,6 +132,7 @@ void AddSettingsCommand(CLI::App& ioProgram, const CommonOptions& inCommon, Work
     auto options = std::make_shared<SettingsCommandOptions>();
     command->add_option("FILE", options->mFile, "Audio that the settings shall fit");
     AddExportOptions(*command, options->mExport);
+    AddDialogOption(*command, options->mHasDialog);
     command->add_option("--save", options->mPreset, "Keep the settings under this name");
     command->add_flag("--force", options->mForce, "Replace a preset that is there already");
     command->callback(

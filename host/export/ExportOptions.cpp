@@ -171,6 +171,13 @@ void AddExportOptions(CLI::App& ioCommand, ExportOptions& outOptions)
         "What to do with settings that do not suit the audio: none, fit (default), stored");
 }
 
+CLI::Option* AddDialogOption(CLI::App& ioCommand, bool& outHasDialog)
+{
+    return ioCommand
+        .add_flag("--dialog", outHasDialog, "Choose in a dialog, which starts from the options")
+        ->group("Settings");
+}
+
 ExportWish ReadWish(const ExportOptions& inOptions)
 {
     ExportWish wish;

@@ -30,6 +30,9 @@ struct ExportOptions
 
 void AddExportOptions(CLI::App& ioCommand, ExportOptions& outOptions);
 
+/// The flag that has the rest chosen in the plug-in's dialog.
+CLI::Option* AddDialogOption(CLI::App& ioCommand, bool& outHasDialog);
+
 /// Reads the options; a preset's name becomes its text. Throws Failure (kExitUsage) for what
 /// cannot be read and for options that exclude each other.
 ExportWish ReadWish(const ExportOptions& inOptions);

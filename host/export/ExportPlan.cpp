@@ -139,6 +139,14 @@ private:
         return attempt;
     }
 
+    ExportTarget FirstTarget() const
+    {
+        if (!mWish.mIsChosen)
+            return mWanted;
+        const tarvo::TarvoATPrivateSettings record = mComposer.Compose(mWanted).mRecord;
+        return {static_cast<std::int32_t>(record.GetSampleRate()), record.GetChannelsPerFrame()};
+    }
+
     std::vector<std::int32_t> RatesToTry() const
     {
         std::vector<std::int32_t> rates = {mWanted.mRate};
@@ -166,11 +174,13 @@ private:
 
     std::optional<Attempt> Search()
     {
-        Attempt first = Ask(mWanted, mWish.mRepair);
+        Attempt first = Ask(FirstTarget(), mWish.mRepair);
         mFirstResult = first.mAnswer.mResult;
         mFormat = first.mComposed.mRecord.GetStreamBasicDescription();
         if (first.mAnswer.IsPossible())
             return first;
+        if (mWish.mIsChosen)
+            return std::nullopt;
         const std::vector<std::int32_t> rates = RatesToTry();
         for (const std::uint32_t channels : ChannelsToTry(first.mComposed))
             for (const std::int32_t rate : rates)

@@ -43,6 +43,9 @@ struct ExportWish
     std::optional<std::uint32_t> mChannels{};
     std::optional<std::string> mSettings{};  // settings text, never a preset's name
     RepairMode mRepair = RepairMode::kFit;
+    // mSettings are the user's very choice and stay as they are, their rate and channels too. What
+    // else is wished tells of the audio that they were chosen for.
+    bool mIsChosen = false;
 };
 
 }  // namespace host

@@ -8,7 +8,9 @@
 #include <AudioToolbox/AudioToolbox.h>
 
 #include <cstdio>
+#include <optional>
 #include <sys/stat.h>
+#include <utility>
 
 namespace host
 {
@@ -49,35 +51,53 @@ void Require(const VerificationResult& inResult, bool inIsLossy, const std::stri
 
 }  // namespace
 
+// The plan that the user settles on; false: none.
+bool FileConverter::Choose(const ExportSource& inSource, const std::string& inTarget,
+                           ExportPlan& ioPlan) const
+{
+    if (!mOptions.mChooser)
+        return true;
+    auto chosen = mOptions.mChooser->Choose(mOptions.mWish, inSource, ioPlan, inTarget);
+    if (chosen)
+        ioPlan = *std::move(chosen);
+    return chosen.has_value();
+}
+
 ConvertReport FileConverter::Convert(const std::string& inSource, const std::string& inTarget,
                                      const TellPlan& inTell) const
 {
     ConvertReport report;
     ReadSession source(mPlugIn, inSource);
+    const ExportSource shape{ShapeOf(source.Info()), source.Info().mSettings};
     const auto ask = [&](const ExportRequest& inRequest)
     { return AskExportSettings(mPlugIn, inRequest); };
-    report.mPlan = PlanExport(ask, mOptions.mWish,
-                              {ShapeOf(source.Info()), source.Info().mSettings}, inTarget);
+    report.mPlan = PlanExport(ask, mOptions.mWish, shape, inTarget);
+    // Before the dialog: nobody is to make choices for a file that cannot be written.
+    std::optional<TargetFile> target;
+    if (!mOptions.mIsDryRun)
+        target.emplace(inTarget, mOptions.mMayReplace, inSource);
+    report.mIsCancelled = !Choose(shape, inTarget, report.mPlan);
+    if (report.mIsCancelled)
+        return report;
     inTell(report.mPlan);
 
     ConversionOptions options;
     options.mTarget = report.mPlan.mAudio;
     options.mDither = mOptions.mDither;
     const Conversion conversion(source.Info(), options);
-    if (mOptions.mIsDryRun)
+    if (!target)
         return report;
 
-    TargetFile target(inTarget, mOptions.mMayReplace, inSource);
-    report.mResult = Write(source, conversion, report.mPlan, target.TemporaryPath(), inTarget);
+    report.mResult = Write(source, conversion, report.mPlan, target->TemporaryPath(), inTarget);
     if (mOptions.mVerifies)
     {
         const bool isLossy = LosesBits(report.mPlan);
-        report.mVerification = Verify(inSource, target.TemporaryPath(), options, isLossy);
+        report.mVerification = Verify(inSource, target->TemporaryPath(), options, isLossy);
         Require(*report.mVerification, isLossy, inTarget);
     }
     CheckInterrupt();
-    report.mBytes = FileSize(target.TemporaryPath());
-    target.Commit();
+    report.mBytes = FileSize(target->TemporaryPath());
+    target->Commit();
     return report;
 }
 

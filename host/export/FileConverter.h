@@ -7,6 +7,7 @@
 #include "host/Verification.h"
 #include "host/export/ConvertProgress.h"
 #include "host/export/ExportPlan.h"
+#include "host/export/SettingsChooser.h"
 
 #include <functional>
 #include <optional>
@@ -23,11 +24,14 @@ struct ConvertOptions
     bool mIsDryRun = false;
     bool mVerifies = false;
     bool mMayReplace = false;
+    // Asked for every file; null: the wish decides alone. Not owned.
+    const SettingsChooser* mChooser = nullptr;
 };
 
 struct ConvertReport
 {
     ExportPlan mPlan;
+    bool mIsCancelled = false;  // by the user, before anything was written
     // Of what was done; nothing after a dry run.
     std::optional<ConversionResult> mResult;
     std::optional<VerificationResult> mVerification;
@@ -52,6 +56,8 @@ public:
                           const TellPlan& inTell) const;
 
 private:
+    bool Choose(const ExportSource& inSource, const std::string& inTarget,
+                ExportPlan& ioPlan) const;
     ConversionResult Write(ReadSession& ioSource, const Conversion& inConversion,
                            const ExportPlan& inPlan, const std::string& inPath,
                            const std::string& inName) const;

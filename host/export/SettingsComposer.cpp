@@ -38,11 +38,6 @@ UInt32 FlagsOfDepth(std::uint32_t inBits)
     return inBits <= 16 ? 1 : inBits <= 20 ? 2 : inBits <= 24 ? 3 : 4;
 }
 
-std::int32_t SampleTypeFor(std::uint32_t inBits)
-{
-    return inBits <= 8 ? 10 : inBits <= 16 ? 20 : inBits <= 24 ? 30 : 40;
-}
-
 TarvoATPrivateSettings ReadRecord(const std::string& inText)
 {
     TarvoATPrivateSettings record;
@@ -81,6 +76,11 @@ CAStreamBasicDescription AudioOf(const ExportTarget& inTarget)
 std::string ComposedSettings::Text() const
 {
     return FromPlugIn(mRecord.GetSerialized().c_str());
+}
+
+std::int32_t SampleTypeFor(std::uint32_t inBits)
+{
+    return inBits <= 8 ? 10 : inBits <= 16 ? 20 : inBits <= 24 ? 30 : 40;
 }
 
 SampleDepth DepthOfSource(const ExportSource& inSource)
@@ -130,6 +130,11 @@ ComposedSettings SettingsComposer::Compose(const ExportTarget& inTarget) const
     ComposedSettings settings;
     if (mStored)
         settings.mRecord = *mStored;
+    if (mWish.mIsChosen)
+    {
+        settings.mSampleType = SampleType(settings.mRecord);
+        return settings;
+    }
     settings.mRecord.SetAudioFileTypeID(mEncoder.mFileType);
     if (!mKeepsStoredFormat)
         SetVariant(inTarget, settings);
@@ -221,13 +226,14 @@ std::int32_t SettingsComposer::SampleType(const TarvoATPrivateSettings& inRecord
 {
     if (inRecord.GetFormatID() == kAudioFormatLinearPCM)
         return SampleTypeFor(inRecord.GetBitsPerChannel());
+    const SampleDepth wanted = mWish.mDepth.value_or(mSourceDepth);
     if (HasDepthInFlags(inRecord.GetFormatID()))
     {
         const std::uint32_t most = DepthOfFlags(inRecord.GetFormatFlags());
         const bool isFixed = inRecord.GetFormatFlags() != 0;
-        return SampleTypeFor(isFixed ? most : std::min(most, mSourceDepth.mBits));
+        return SampleTypeFor(isFixed ? most : std::min(most, wanted.mBits));
     }
-    return SampleTypeFor(mWish.mDepth.value_or(mSourceDepth).mBits);
+    return SampleTypeFor(wanted.mBits);
 }
 
 void SettingsComposer::SetBitrate(const ExportTarget& inTarget, ComposedSettings& ioSettings) const

@@ -47,6 +47,9 @@ struct ComposedSettings
 /// flags of its settings tell, 24 of everything lossy.
 SampleDepth DepthOfSource(const ExportSource& inSource);
 
+/// The host's sample type that holds so many bits.
+std::int32_t SampleTypeFor(std::uint32_t inBits);
+
 class SettingsComposer
 {
 public:

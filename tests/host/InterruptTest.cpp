@@ -148,6 +148,28 @@ TEST_F(InterruptTest, ASecondSignalEndsTheProcessAtOnceAndRemovesTheTemporaryFil
     EXPECT_TRUE(fs::is_empty(mFolder));
 }
 
+TEST_F(InterruptTest, AFirstSignalEndsTheProcessAtOnceWhereNobodyAsks)
+{
+    EXPECT_EQ(ExitCodeOf(
+                  [this]
+                  {
+        OutputFile file(Path("out"), false, "");
+        const host::InterruptsEndProcess guard;
+        raise(SIGTERM);
+    }),
+              128 + SIGTERM);
+    EXPECT_TRUE(fs::is_empty(mFolder));
+    EXPECT_EQ(ExitCodeOf(
+                  []
+                  {
+        {
+            const host::InterruptsEndProcess guard;
+        }
+        raise(SIGTERM);
+    }),
+              0);
+}
+
 TEST_F(InterruptTest, ASecondSignalLeavesAFileThatIsDone)
 {
     EXPECT_EQ(ExitCodeOf(
