@@ -115,6 +115,47 @@ std::vector<std::int32_t> Frames(const Planes& inPlanes, std::size_t inWidth)
     return samples;
 }
 
+// Gives up, with the number of the operation, when it is asked for the time that it was told.
+class ThrowingBlock : public RecordingWriteSamples
+{
+public:
+    ThrowingBlock(CallLog& outLog, const RecordingWriteSamples& inBlock, int inThrowing)
+        : RecordingWriteSamples(outLog), mThrowing(inThrowing)
+    {
+        mCount = inBlock.mCount;
+        mBuffers = inBlock.mBuffers;
+    }
+    TarvoErrorInterface* GetErrorInterface() const override
+    {
+        Count();
+        return nullptr;
+    }
+    std::int64_t GetStartSample() const override
+    {
+        Count();
+        return mStart;
+    }
+    std::int64_t GetSampleCount() const override
+    {
+        Count();
+        return mCount;
+    }
+    const char* GetChannelBuffer(std::int64_t inChannel) const override
+    {
+        Count();
+        return mBuffers.at(static_cast<std::size_t>(inChannel));
+    }
+
+private:
+    void Count() const
+    {
+        if (++mAsked == mThrowing)
+            throw mThrowing;
+    }
+    int mThrowing;
+    mutable int mAsked = 0;
+};
+
 class WriteSessionRoad : public testing::Test
 {
 protected:
@@ -249,6 +290,76 @@ TEST_F(WriteSessionRoad, NoFramesMakeAnEmptyFile)
     const Read read = ReadBack(mPath);
     EXPECT_EQ(read.mInfo.channels, 2);
     EXPECT_EQ(read.mInfo.frames, 0);
+}
+
+TEST_F(WriteSessionRoad, NoBlockMakesAnEmptyFile)
+{
+    mPath = mFolder / "empty.aif";
+    ASSERT_EQ(Start(SettingsOf({kAIFF, 44100, 2, 16, 14}), 20, {100, 101}), 0);
+    ASSERT_EQ(Finish(), 0);
+    const Read read = ReadBack(mPath);
+    EXPECT_EQ(read.mInfo.channels, 2);
+    EXPECT_EQ(read.mInfo.frames, 0);
+}
+
+TEST_F(WriteSessionRoad, OneBufferMayServeEveryChannel)
+{
+    mPath = mFolder / "same.wav";
+    const std::string plane = Noise(1, 3 * 1000)[0];
+    ASSERT_EQ(Start(SettingsOf({kWAVE, 44100, 3, 24, 12}), 30, {100, 101, 102}), 0);
+    mBlock.mCount = 1000;
+    mBlock.mBuffers = {plane.data(), plane.data(), plane.data()};
+    EXPECT_EQ(mPlugIn.Call(18, mStart.mHandle, &mBlock), 0);
+    ASSERT_EQ(Finish(), 0);
+    EXPECT_TRUE(ReadBack(mPath).mSamples == Frames({plane, plane, plane}, 3));
+}
+
+TEST_F(WriteSessionRoad, TwoSessionsAtOnceDoNotMeet)
+{
+    const Planes stereo = Noise(2, 2 * 300);
+    const Planes mono = Noise(1, 3 * 300);
+    const std::string stereoPath = mFolder / "two \xF0\x9F\x8E\xB5.wav";
+    const std::string monoPath = mFolder / "two.aif";
+    mPath = stereoPath;
+    ASSERT_EQ(Start(SettingsOf({kWAVE, 44100, 2, 16, 12}), 20, {100, 101}), 0);
+    void* const stereoHandle = mStart.mHandle;
+    mPath = monoPath;
+    ASSERT_EQ(Start(SettingsOf({kAIFF, 96000, 1, 24, 14}), 30, {0}), 0);
+    void* const monoHandle = mStart.mHandle;
+    ASSERT_NE(stereoHandle, monoHandle);
+
+    mBlock.mCount = 100;
+    for (std::size_t first = 0; first < 300; first += 100)
+    {
+        mBlock.mBuffers = {stereo[0].data() + 2 * first, stereo[1].data() + 2 * first};
+        EXPECT_EQ(mPlugIn.Call(18, stereoHandle, &mBlock), 0);
+        mBlock.mBuffers = {mono[0].data() + 3 * first};
+        EXPECT_EQ(mPlugIn.Call(18, monoHandle, &mBlock), 0);
+    }
+    EXPECT_EQ(mPlugIn.Call(19, stereoHandle, &mFinish), 0);
+    EXPECT_EQ(mPlugIn.Call(19, monoHandle, &mFinish), 0);
+    EXPECT_TRUE(ReadBack(stereoPath).mSamples == Frames(stereo, 2));
+    EXPECT_TRUE(ReadBack(monoPath).mSamples == Frames(mono, 3));
+}
+
+// One block goes in, however often the host gives up before.
+TEST_F(WriteSessionRoad, AnExceptionOfTheHostPassesAndTheSessionGoesOn)
+{
+    constexpr int kOperations = 5;  // error object, count, two buffers, start
+    mPath = mFolder / "thrown.wav";
+    const Planes planes = Noise(2, 2 * 100);
+    ASSERT_EQ(Start(SettingsOf({kWAVE, 44100, 2, 16, 12}), 20, {100, 101}), 0);
+    mBlock.mCount = 100;
+    mBlock.mBuffers = {planes[0].data(), planes[1].data()};
+    for (int operation = 1; operation <= kOperations; ++operation)
+    {
+        ThrowingBlock block(mLog, mBlock, operation);
+        EXPECT_THROW(mPlugIn.Call(18, mStart.mHandle, &block), int) << operation;
+    }
+    ThrowingBlock whole(mLog, mBlock, kOperations + 1);
+    EXPECT_EQ(mPlugIn.Call(18, mStart.mHandle, &whole), 0);
+    ASSERT_EQ(Finish(), 0);
+    EXPECT_TRUE(ReadBack(mPath).mSamples == Frames(planes, 2));
 }
 
 TEST_F(WriteSessionRoad, AnOldFileGivesWay)
