@@ -288,6 +288,17 @@ TEST_F(ExportSettingsInfo, EstimatesCompressedAudioFromItsBitRate)
     EXPECT_EQ(mInfo.mEstimatedBits, 1 + 2048);
 }
 
+TEST_F(ExportSettingsInfo, EstimatesLosslessPacketsFromTheirBitRate)
+{
+    TarvoATPrivateSettings settings(kM4A,
+                                    CAStreamBasicDescription(44100.0, kALAC, 0, 4096, 0, 2, 0, 1));
+    settings.SetBitrate(700000);
+    mFormat.mSettings = settings.GetSerialized();
+    mFormat.mSampleCount = 441000;
+    EXPECT_EQ(GetInfo(), 0);
+    EXPECT_EQ(mInfo.mEstimatedBits, 7000000 + 2048);
+}
+
 TEST_F(ExportSettingsInfo, ANegativeFigureIsCutOffTowardsZero)
 {
     StoreAAC();

@@ -1,6 +1,7 @@
 // Selector 14: settings that cannot encode the host's audio, in each mode of repair.
 #include "tests/Tarvo_PlugIns/TarvoAT/ExportSettingsFixture.h"
 
+#include <algorithm>
 #include <limits>
 
 namespace
@@ -49,6 +50,22 @@ TEST_F(ExportSettingsInfo, FittingStopsAtARateThatHelps)
     EXPECT_EQ(Told("SetSampleRate"), CallLog{"SetSampleRate 48000"});
     EXPECT_EQ(Told("SetChannelCount"), CallLog());
     EXPECT_EQ(mPlatform.CallsOf("AudioFormatGetProperty 'avnc'"), CallLog());
+}
+
+TEST_F(ExportSettingsInfo, FittingAsksTheEncoderForRateThenChannels)
+{
+    StoreAAC();
+    mFormat.mChannelCount = 6;
+    EXPECT_EQ(GetInfo(1), 0);
+    CallLog questions;
+    for (const std::string& call : mPlatform.Calls())
+        if (call.find("'aesr'") != std::string::npos || call.find("'avnc'") != std::string::npos ||
+            call.rfind("AudioConverterNew", 0) == 0)
+            questions.push_back(call.substr(0, call.find(' ', call.find(' ') + 1)));
+    EXPECT_EQ(questions, (CallLog{"AudioConverterNew 44100", "AudioFormatGetPropertyInfo 'aesr'",
+                                  "AudioFormatGetProperty 'aesr'", "AudioConverterNew 44100",
+                                  "AudioFormatGetPropertyInfo 'avnc'",
+                                  "AudioFormatGetProperty 'avnc'", "AudioConverterNew 44100"}));
 }
 
 TEST_F(ExportSettingsInfo, FittingGoesOnToTheChannels)
@@ -132,13 +149,15 @@ TEST_F(ExportSettingsInfo, GoingBackToTheStoredSettingsChangesTheAudio)
     EXPECT_EQ(GetInfo(2), 0);
     EXPECT_EQ(Told("SetSampleRate"), CallLog{"SetSampleRate 22050"});
     EXPECT_EQ(Told("SetChannelCount"), CallLog{"SetChannelCount 2"});
+    EXPECT_LT(std::find(mLog.begin(), mLog.end(), "SetSampleRate 22050"),
+              std::find(mLog.begin(), mLog.end(), "SetChannelCount 2"));
     EXPECT_EQ(mFormat.mSettings, stored);
     EXPECT_EQ(mInfo.mEstimatedBits, 32000 + 2048);
 }
 
 TEST_F(ExportSettingsInfo, TheEstimateGoesByTheRepairedRate)
 {
-    StoreAAC(22050.0);
+    StoreAAC(22050.9);  // the host gets the whole hertz
     mFormat.mSampleRate = 96000;
     mFormat.mSampleCount = 220500;
     EXPECT_EQ(GetInfo(2), 0);
