@@ -145,6 +145,18 @@ TEST_F(WriterCreation, SetsModeAndBitRateBelowMode3)
     }
 }
 
+// Settings may name any mode, and it is for the platform to refuse it.
+TEST_F(WriterCreation, SetsABitRateInAModeThatIsNone)
+{
+    mMode = 4;
+    mPlatform.Answer(Family::Converter, kAudioCodecPropertyBitRateControlMode, PropertyAnswer());
+    mPlatform.Answer(Family::Converter, kAudioConverterEncodeBitRate, PropertyAnswer());
+    EXPECT_TRUE(Create(kM4A, kStereoAAC, 4));
+    EXPECT_EQ(mPlatform.CallsOf("AudioConverterSetProperty"),
+              (Lines{"AudioConverterSetProperty 'acbf' size 4: 04 00 00 00",
+                     "AudioConverterSetProperty 'brat' size 4: 00 f4 01 00"}));
+}
+
 TEST_F(WriterCreation, SetsModeAndQualityInMode3)
 {
     mMode = 3;

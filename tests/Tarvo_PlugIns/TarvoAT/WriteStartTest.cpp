@@ -138,6 +138,13 @@ TEST_F(WriteStartTest, CarriesPathsBeyondTheBasicPlaneToThePlatform)
     EXPECT_EQ(mPlatform.OpenedPath(), "/a b/100%25/\xC3\xA4\xF0\x9F\x98\x80.wav");
 }
 
+TEST_F(WriteStartTest, DescribesTheEncodersSettingsToo)
+{
+    StoreAAC(0);
+    EXPECT_EQ(Start(), 0);
+    EXPECT_EQ(mLog[mLog.size() - 2], "SetFormatDescription \"MPEG-4\nLinear PCM\nCBR: 128 kbps\"");
+}
+
 TEST_F(WriteStartTest, ToldAnEmptyDescriptionTellsTheDefault)
 {
     const DictionaryInUse dictionary("$$$/appleaudiotoolbox/EmptyFormatDescription=\n");
