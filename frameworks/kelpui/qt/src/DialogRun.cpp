@@ -88,9 +88,11 @@ void DialogRun::Show()
         return;
     const ParentWindow parent(mDialog.GetParentWindow());
     mWindow->FitContents();
+    parent.Adopt(*mWindow);
     if (const ui::Point position = mDialog.GetPosition(); position.mX != 0 || position.mY != 0)
         mWindow->move(static_cast<int>(position.mX), static_cast<int>(position.mY));
-    parent.Adopt(*mWindow);
+    else
+        parent.Center(*mWindow);
     mWindow->FocusFirstControl();
     // Nobody tells that the dialog has ended without the user.
     QObject::connect(QAbstractEventDispatcher::instance(), &QAbstractEventDispatcher::aboutToBlock,

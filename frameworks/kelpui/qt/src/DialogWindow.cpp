@@ -33,6 +33,12 @@ void DialogWindow::reject()
         QDialog::reject();
 }
 
+void DialogWindow::showEvent(QShowEvent* inEvent)
+{
+    QDialog::showEvent(inEvent);
+    setAttribute(Qt::WA_KeyboardFocusChange);  // the mark of the focus shows before the first Tab
+}
+
 void DialogWindow::changeEvent(QEvent* inEvent)
 {
     QDialog::changeEvent(inEvent);

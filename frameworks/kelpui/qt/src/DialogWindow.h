@@ -28,6 +28,7 @@ public:
     void reject() override;
 
 protected:
+    void showEvent(QShowEvent* inEvent) override;
     void changeEvent(QEvent* inEvent) override;
     bool event(QEvent* inEvent) override;
 

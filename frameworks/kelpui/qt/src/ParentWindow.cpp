@@ -1,7 +1,9 @@
 #include "ParentWindow.h"
 
 #include <QApplication>
+#include <QScreen>
 
+#include <algorithm>
 #include <cstdint>
 
 namespace kelpui::qt
@@ -51,8 +53,21 @@ void ParentWindow::Adopt(QWidget& ioWindow) const
         return;
     (void)ioWindow.winId();
     ioWindow.windowHandle()->setTransientParent(mWindow);
+}
+
+void ParentWindow::Center(QWidget& ioWindow) const
+{
+    if (!mWindow || mWindow->size().isEmpty())
+        return;
+    // The way round by points serves windows of other programs too, whose frames Qt does not know.
+    const QRect parent(mWindow->mapToGlobal(QPoint()), mWindow->size());
+    const QRect screen = mWindow->screen()->availableGeometry();
     QRect place = ioWindow.frameGeometry();
-    place.moveCenter(mWindow->frameGeometry().center());
+    place.moveCenter(parent.center());
+    place.moveRight(std::min(place.right(), screen.right()));
+    place.moveBottom(std::min(place.bottom(), screen.bottom()));
+    place.moveLeft(std::max(place.left(), screen.left()));
+    place.moveTop(std::max(place.top(), screen.top()));
     ioWindow.move(place.topLeft());
 }
 

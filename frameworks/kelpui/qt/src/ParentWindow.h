@@ -10,7 +10,7 @@
 namespace kelpui::qt
 {
 
-/// Keeps a window in front of its parent and in the middle of it, as far as the desktop lets it.
+/// Keeps a window in front of its parent, as far as the desktop lets it.
 class ParentWindow
 {
 public:
@@ -20,6 +20,10 @@ public:
 
     /// ioWindow  not shown yet. The parent may close before it.
     void Adopt(QWidget& ioWindow) const;
+
+    /// Moves a window to the middle of its parent, and not beyond the screen. It stays where it is
+    /// without a parent that has a place.
+    void Center(QWidget& ioWindow) const;
 
 private:
     std::unique_ptr<QWindow> mForeign;

@@ -31,6 +31,19 @@ TEST(Focus, StartsOnTheFirstControl)
     dialog.Run([&] { EXPECT_EQ(dialog.Focus(), "FileTypePopupID"); });
 }
 
+TEST(Focus, IsSeenFromTheStart)
+{
+    OpenDialog dialog;
+    dialog.Run(
+        [&]
+        {
+        QComboBox& box = dialog.Box("FileTypePopupID");
+        const QImage focused = box.grab().toImage();
+        dialog.Box("FormatTypePopupID").setFocus();
+        EXPECT_NE(box.grab().toImage(), focused);
+    });
+}
+
 TEST(Focus, StartsOnTheFirstControlThatTakesInput)
 {
     OpenDialog dialog;

@@ -1,6 +1,7 @@
 // Dialogs that belong to a window of the host.
 #include "tests/frameworks/kelpui/qt/OpenDialog.h"
 
+#include <QScreen>
 #include <QTest>
 #include <QVBoxLayout>
 #include <QWindow>
@@ -72,10 +73,33 @@ TEST_F(ParentWindows, HaveTheDialogInTheirMiddle)
     dialog.Run(
         [&]
         {
-        const QPoint away =
-            dialog.Window().frameGeometry().center() - mHost.frameGeometry().center();
+        const QPoint away = dialog.Window().geometry().center() - mHost.geometry().center();
         EXPECT_LE(away.manhattanLength(), 2) << away.x() << " " << away.y();
     });
+}
+
+TEST_F(ParentWindows, AtTheEdgeKeepTheDialogOnTheScreen)
+{
+    for (const QPoint corner : {QPoint(-390, -290), QPoint(3000, 3000)})
+    {
+        mHost.move(corner);
+        OpenDialog dialog(Child(&mHost));
+        dialog.Run(
+            [&]
+            {
+            EXPECT_TRUE(
+                dialog.Window().screen()->availableGeometry().contains(dialog.Window().geometry()))
+                << dialog.Window().x() << " " << dialog.Window().y();
+        });
+    }
+}
+
+TEST_F(ParentWindows, GiveWayToTheOwnersWishForAPlace)
+{
+    DialogWishes wishes = Child(&mHost);
+    wishes.mPosition = {20, 30};
+    OpenDialog dialog(wishes);
+    dialog.Run([&] { EXPECT_EQ(dialog.Window().pos(), QPoint(20, 30)); });
 }
 
 TEST_F(ParentWindows, TakeNoInputMeanwhile)
