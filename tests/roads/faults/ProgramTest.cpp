@@ -237,6 +237,7 @@ TEST_F(RunningProgram, ThatIsKilledTakesItsJobsAlong)
 TEST_F(RunningProgram, IsEndedWhileItVerifiesAndLeavesNothing)
 {
     // Copying is over quickly; its end shows by the size.
+    MakeSource(Long(), 44100 * 240, 2, false);
     const pid_t child = Start({"convert", Long(), Out("a.wav"), "--verify", "--quiet"},
                               open("/dev/null", O_WRONLY | O_CLOEXEC));
     const std::size_t whole = fs::file_size(Long());

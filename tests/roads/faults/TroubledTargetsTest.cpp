@@ -97,6 +97,7 @@ TEST_F(TroubledTarget, WhoseFolderVanishesIsToldAtTheEndAtTheLatest)
 
 TEST_F(TroubledTarget, WhoseDescriptorSomebodyClosesIsTold)
 {
+    MakeSource(mSource, kFewFrames, 2, true);
     const auto closes = [](int inDescriptor, void*) { (void)syscall(SYS_close, inDescriptor); };
     for (const char* name : {"a.wav", "a.m4a", "a.flac"})
         for (const Call call : {Call::kWrite, Call::kClose})
