@@ -1,5 +1,7 @@
 #include "DesktopPalette.h"
 
+#include "ColorScheme.h"
+
 #include <QApplication>
 #include <QPalette>
 #include <QSettings>
@@ -57,10 +59,8 @@ bool IsDarkTheme(const QString& inName)
 }
 
 // The newest of GTK's settings that exist decides.
-bool IsDesktopDark()
+bool AreSettingsDark()
 {
-    if (const QString theme = qEnvironmentVariable("GTK_THEME"); !theme.isEmpty())
-        return IsDarkTheme(theme);
     for (const char* name : {"gtk-4.0/settings.ini", "gtk-3.0/settings.ini"})
     {
         const QString path = QStandardPaths::locate(QStandardPaths::GenericConfigLocation,
@@ -73,6 +73,15 @@ bool IsDesktopDark()
                IsDarkTheme(settings.value(QStringLiteral("gtk-theme-name")).toString());
     }
     return false;
+}
+
+// From the most particular wish to the most general.
+bool IsDesktopDark()
+{
+    if (const QString theme = qEnvironmentVariable("GTK_THEME"); !theme.isEmpty())
+        return IsDarkTheme(theme);
+    const ColorScheme scheme = QueryColorScheme();
+    return scheme == ColorScheme::Dark || (scheme == ColorScheme::NoWish && AreSettingsDark());
 }
 
 }  // namespace

@@ -5,8 +5,8 @@
 namespace kelpui::qt
 {
 
-/// Gives the application a dark palette where the desktop asks for one (GTK_THEME, GTK's
-/// settings.ini) and Qt has not seen to it itself.
+/// Gives the application a dark palette where the desktop asks for one (GTK_THEME, the
+/// settings portal, GTK's settings.ini) and Qt has not seen to it itself.
 void FollowDesktopPalette();
 
 }  // namespace kelpui::qt

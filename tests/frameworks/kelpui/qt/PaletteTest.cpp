@@ -6,6 +6,7 @@
 #include <QApplication>
 #include <QImage>
 #include <QPalette>
+#include <QProcess>
 
 #include <cmath>
 #include <filesystem>
@@ -55,12 +56,15 @@ protected:
         qputenv("XDG_CONFIG_HOME", mFolder.c_str());
         qputenv("XDG_CONFIG_DIRS", mFolder.c_str());
         qunsetenv("GTK_THEME");
+        qunsetenv("DBUS_SESSION_BUS_ADDRESS");
+        qputenv("XDG_RUNTIME_DIR", mFolder.c_str());
     }
     ~Palettes() override
     {
         fs::remove_all(mFolder);
         qunsetenv("XDG_CONFIG_HOME");
         qunsetenv("XDG_CONFIG_DIRS");
+        qunsetenv("XDG_RUNTIME_DIR");
         qunsetenv("GTK_THEME");
         QApplication::setPalette(QPalette());
     }
@@ -109,6 +113,73 @@ TEST_F(Palettes, FollowTheSettingsOfGTK)
 TEST_F(Palettes, FollowTheNameOfTheTheme)
 {
     Write("gtk-4.0/settings.ini", "[Settings]\ngtk-theme-name=Adwaita-dark\n");
+    EXPECT_TRUE(TurnsDark());
+}
+
+// A bus at the usual place of a session, with a portal on it.
+class DesktopSession
+{
+public:
+    DesktopSession(const fs::path& inFolder, const char* inScheme)
+    {
+        const QString address =
+            QStringLiteral("unix:path=") + QString::fromStdString((inFolder / "bus").string());
+        mBus.start(QStringLiteral("dbus-daemon"),
+                   {QStringLiteral("--session"), QStringLiteral("--nofork"),
+                    QStringLiteral("--print-address"), QStringLiteral("--address"), address});
+        mHasBus = mBus.waitForStarted() && mBus.waitForReadyRead();
+        if (!mHasBus)
+            return;
+        QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
+        environment.insert(QStringLiteral("DBUS_SESSION_BUS_ADDRESS"), address);
+        mPortal.setProcessEnvironment(environment);
+        mPortal.start(QStringLiteral(PORTAL), {QString::fromLatin1(inScheme)});
+        EXPECT_TRUE(mPortal.waitForReadyRead());
+    }
+    ~DesktopSession()
+    {
+        for (QProcess* process : {&mPortal, &mBus})
+        {
+            process->terminate();
+            process->waitForFinished();
+        }
+    }
+    DesktopSession(const DesktopSession&) = delete;
+    DesktopSession& operator=(const DesktopSession&) = delete;
+
+    bool HasBus() const { return mHasBus; }
+
+private:
+    QProcess mBus;
+    QProcess mPortal;
+    bool mHasBus = false;
+};
+
+TEST_F(Palettes, FollowThePortalOfTheDesktop)
+{
+    const DesktopSession session(mFolder, "1");
+    if (!session.HasBus())
+        GTEST_SKIP() << "no dbus-daemon is installed";
+    EXPECT_TRUE(TurnsDark());
+    qputenv("GTK_THEME", "Adwaita");
+    EXPECT_FALSE(TurnsDark());  // what is set for one program goes before
+}
+
+TEST_F(Palettes, StayLightWhereThePortalSaysSo)
+{
+    Write("gtk-3.0/settings.ini", "[Settings]\ngtk-application-prefer-dark-theme=1\n");
+    const DesktopSession session(mFolder, "2");
+    if (!session.HasBus())
+        GTEST_SKIP() << "no dbus-daemon is installed";
+    EXPECT_FALSE(TurnsDark());
+}
+
+TEST_F(Palettes, FollowTheSettingsWhereThePortalHasNoWish)
+{
+    Write("gtk-3.0/settings.ini", "[Settings]\ngtk-application-prefer-dark-theme=1\n");
+    const DesktopSession session(mFolder, "0");
+    if (!session.HasBus())
+        GTEST_SKIP() << "no dbus-daemon is installed";
     EXPECT_TRUE(TurnsDark());
 }
 
