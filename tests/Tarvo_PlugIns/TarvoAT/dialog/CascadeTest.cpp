@@ -166,6 +166,21 @@ TEST_F(DialogCascade, AModeThatTheNewFormatLacksGivesWayToItsFirst)
               1u);
 }
 
+// The items of the format before are read on the way, even where nothing reads the new ones.
+TEST_F(DialogCascade, AModeThatIsNotListedGivesWayOnTheWayOfVariantsToo)
+{
+    mScript.mFileTypes[kCAF].mFormats[1].second = {Variant(kOpus, 2), Variant(kOpus, 5)};
+    StoreAAC(2, 96000, kCAF);
+    mSettings.SetFormatID(kOpus);
+    const TarvoATPrivateSettings settings = After(
+        [](const DialogWindow& window)
+        {
+        EXPECT_EQ(window.Line("FormatType"), "FormatType: lpcm | *opus | ulaw");
+        EXPECT_FALSE(window.Popup("BitrateMode").IsVisible());
+    });
+    EXPECT_EQ(settings.GetBitrateMode(), 1u);
+}
+
 TEST_F(DialogCascade, AModeThatBothFormatsHaveStays)
 {
     StoreAAC(1, 192000);
@@ -186,6 +201,18 @@ TEST_F(DialogCascade, ARateThatBothModesHaveStaysAndAnyOtherGivesWayToTheFirst)
     EXPECT_EQ(
         After([](const DialogWindow& window) { window.Choose("BitrateMode", 1); }).GetBitrate(),
         96000u);
+}
+
+TEST_F(DialogCascade, TheRateThatShowsIsReadBeforeTheRatesAreRefilled)
+{
+    StoreAAC(0, 128000);
+    EXPECT_EQ(After(
+                  [](const DialogWindow& window)
+                  {
+        window.Popup("Bitrate").SetValue(2);  // nobody is told
+        window.Choose("BitrateMode", 1);
+    }).GetBitrate(),
+              192000u);
 }
 
 TEST_F(DialogCascade, TheRateStandsWhenVariableModeIsLeft)
@@ -272,6 +299,26 @@ TEST_F(DialogCascade, TheNearestVariantIsOfTheDepthThenTheKindThenTheByteOrder)
         EXPECT_EQ(settings.GetFormatFlags(), row.mFlags) << "row " << &row - rows;
         EXPECT_EQ(settings.GetBitsPerChannel(), row.mBits) << "row " << &row - rows;
     }
+}
+
+// Each time the format is applied, and for the variant that follows, linear PCM asks for its
+// channel counts: for the audio's in place of none, and for those of the depth.
+TEST_F(DialogCascade, AFileTypeAppliesItsFormatTwiceAndAFormatOnce)
+{
+    Run(
+        [this](const DialogWindow& window)
+        {
+        mPlatform.ForgetCalls();
+        window.Choose("FileType", 0);
+        EXPECT_EQ(mPlatform.CallsOf("AudioFormatGetProperty 'avnc'").size(), 5u);
+        window.Choose("FileType", 2);
+        mPlatform.ForgetCalls();
+        window.Choose("FormatType", 0);
+        EXPECT_EQ(mPlatform.CallsOf("AudioFormatGetProperty 'avnc'").size(), 3u);
+        mPlatform.ForgetCalls();
+        window.Choose("Variant", 1);
+        EXPECT_EQ(mPlatform.CallsOf("AudioFormatGetProperty 'avnc'").size(), 1u);
+    });
 }
 
 TEST_F(DialogCascade, AFormatWithoutVariantsKeepsTheStreamFormat)

@@ -35,6 +35,35 @@ std::string Without(std::string inText, const std::string& inPart, const std::st
     return inText.replace(at, inPart.size(), inNew);
 }
 
+// The layout's place of a control of the form.
+std::string CellOf(const std::string& inID)
+{
+    const std::string form = FormText();
+    const std::size_t at = form.rfind("<item ", form.find(" name=\"" + inID + "\""));
+    return form.substr(at, form.find('>', at) - at);
+}
+
+TEST_F(DialogRun, PopupsThatTakeTurnsStandInOnePlace)
+{
+    EXPECT_EQ(CellOf("FileTypePopupID"), "<item row=\"0\" column=\"1\"");
+    EXPECT_EQ(CellOf("VariantPopupID"), "<item row=\"2\" column=\"1\"");
+    EXPECT_EQ(CellOf("BitrateModePopupID"), CellOf("VariantPopupID"));
+    EXPECT_EQ(CellOf("BitratePopupID"), "<item row=\"3\" column=\"1\"");
+    EXPECT_EQ(CellOf("VBRQualityPopupID"), CellOf("BitratePopupID"));
+}
+
+// A format that has variants shows or hides neither, so that the form's word counts.
+TEST_F(DialogRun, TheFormStartsWithTheBitrateOnShowAndTheQualityHidden)
+{
+    Run(
+        [](const DialogWindow& window)
+        {
+        EXPECT_TRUE(window.Popup("Bitrate").IsVisible());
+        EXPECT_FALSE(window.Popup("VBRQuality").IsVisible());
+        EXPECT_EQ(window.Popup("VBRQuality").GetItems().size(), 5u);
+    });
+}
+
 TEST_F(DialogRun, OKReplacesTheCallersRecord)
 {
     EXPECT_TRUE(Run(
