@@ -79,7 +79,12 @@ void Encoder::SetBitRate()
         (void)av_opt_set_int(own, "abr",
                              mRequest.mMode == kAudioCodecBitRateControlMode_LongTermAverage, 0);
     if (mRequest.mFormatID == kAudioFormatOpus)
+    {
         (void)av_opt_set(own, "vbr", OpusRateControl(mRequest.mMode), 0);
+        // Left to itself, the encoder puts 5 and 7 channels into the wrong places.
+        if (mRequest.mChannelCount > 2)
+            (void)av_opt_set(own, "mapping_family", "1", 0);
+    }
 }
 
 bool Encoder::Configure(const AVCodec& inCodec)
