@@ -104,6 +104,7 @@ INSTANTIATE_TEST_SUITE_P(
         FactsRow{"mp3-22k.mp3", "MPG3", ".mp3", 22050, kStereo, 0, 25011, 64000},
         FactsRow{"mp2.mp2", "MPG2", ".mp2", 44100, kStereo, 0, 0, 192000},
         FactsRow{"adts.aac", "adts", "aac ", 44100, kStereo, 0, 0, 128000},
+        FactsRow{"loas.loas", "loas", "aac ", 44100, kStereo, 0, 0, 128000},
         FactsRow{"ac3.ac3", "ac-3", "ac-3", 44100, kStereo, 0, 0, 192000},
         FactsRow{"ac3-5.1.ac3", "ac-3", "ac-3", 48000, kSurround, 0, 41472, 448000},
         FactsRow{"eac3.eac3", "ec-3", "ec-3", 44100, kStereo, 0, 0, 192000},

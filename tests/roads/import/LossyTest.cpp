@@ -57,6 +57,7 @@ INSTANTIATE_TEST_SUITE_P(
                     LossyRow{"mp3-untagged.mp3", "source-s16.wav", 1105, 51840, 20.0},
                     LossyRow{"mp2.mp2", "source-s16.wav", 481, 50688, 20.0},
                     LossyRow{"adts.aac", "source-s16.wav", 1024, 51200, 20.0},
+                    LossyRow{"loas.loas", "source-s16.wav", 1024, 51200, 20.0},
                     LossyRow{"ac3.ac3", "source-s16.wav", 256, 50688, 20.0},
                     LossyRow{"eac3.eac3", "source-s16.wav", 256, 50688, 20.0},
                     LossyRow{"ac3-5.1.ac3", "source-s16-5.1.wav", 256, 41472, 20.0},
