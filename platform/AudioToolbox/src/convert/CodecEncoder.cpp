@@ -1,6 +1,7 @@
 #include "convert/CodecEncoder.h"
 
 #include <algorithm>
+#include <bit>
 #include <cmath>
 #include <cstring>
 
@@ -13,16 +14,28 @@ namespace
 // Louder floats than this are no audio; encoders calculate beyond their range with them.
 constexpr Float32 kLoudest = 4.0f;
 
+// True where any is louder or no number. By their bits, which is what compilers make vectors of:
+// without the sign these order as the magnitudes do, with infinity and what is no number on top.
+bool HasLouderThan(Float32 inMagnitude, const Float32* inSamples, std::size_t inCount)
+{
+    constexpr SInt32 kMagnitude = 0x7FFFFFFF;
+    const SInt32 limit = std::bit_cast<SInt32>(inMagnitude);
+    SInt32 isLouder = 0;
+    for (std::size_t i = 0; i < inCount; ++i)
+        isLouder |= (std::bit_cast<SInt32>(inSamples[i]) & kMagnitude) > limit ? 1 : 0;
+    return isLouder != 0;
+}
+
 }  // namespace
 
-CodecEncoder::CodecEncoder(const EncoderRow& inRow, const StreamShape& inShape,
-                           const SampleLayout& inLayout, const EncoderSettings& inSettings)
-    : mRow(inRow),
-      mShape(inShape),
-      mLayout(inLayout),
+CodecEncoder::CodecEncoder(const ConversionPlan& inPlan, const EncoderSettings& inSettings)
+    : mRow(*inPlan.mEncoder),
+      mShape(inPlan.mStream),
+      mLayout(inPlan.mTo),
       mSettings(inSettings),
-      mFramesPerPacket(FramesPerPacket(inRow, inShape)),
-      mBytesPerFrame(std::size_t{WordBytes(inLayout.mWord)} * inShape.mChannelCount)
+      mMayBeLoud(IsFloat(inPlan.mTo.mWord) && (IsFloat(inPlan.mFrom.mWord) || inPlan.mNeedsMixer)),
+      mFramesPerPacket(FramesPerPacket(mRow, mShape)),
+      mBytesPerFrame(std::size_t{WordBytes(mLayout.mWord)} * mShape.mChannelCount)
 {
 }
 
@@ -199,10 +212,12 @@ OSStatus CodecEncoder::Send(UInt32 inFrames)
 
 void CodecEncoder::TameSamples(UInt32 inFirstFrame, UInt32 inFrames)
 {
-    if (mLayout.mWord != SampleWord::Float32)
+    if (!mMayBeLoud)
         return;
     Float32* samples = reinterpret_cast<Float32*>(mFrames.data() + inFirstFrame * mBytesPerFrame);
     const std::size_t count = std::size_t{inFrames} * mShape.mChannelCount;
+    if (!HasLouderThan(kLoudest, samples, count))
+        return;
     for (std::size_t i = 0; i < count; ++i)
         samples[i] = std::isfinite(samples[i]) ? std::clamp(samples[i], -kLoudest, kLoudest) : 0.0f;
 }

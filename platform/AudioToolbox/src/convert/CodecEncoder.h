@@ -8,6 +8,7 @@
 
 #include "convert/CodecInterface.h"
 #include "convert/ConstantAAC.h"
+#include "convert/ConversionPlan.h"
 #include "convert/PacketEncoder.h"
 
 #include <memory>
@@ -25,9 +26,8 @@ struct CloseEncoderSession
 class CodecEncoder : public PacketEncoder
 {
 public:
-    /// inSettings are the converter's and outlive the encoder; inLayout is the frames' samples.
-    CodecEncoder(const EncoderRow& inRow, const StreamShape& inShape, const SampleLayout& inLayout,
-                 const EncoderSettings& inSettings);
+    /// inSettings are the converter's and outlive the encoder. The plan has an encoder.
+    CodecEncoder(const ConversionPlan& inPlan, const EncoderSettings& inSettings);
 
     OSStatus Fill(const FrameSupply& inSupply, UInt32& ioPackets, AudioBufferList& ioList,
                   AudioStreamPacketDescription* outPackets) override;
@@ -51,6 +51,7 @@ private:
     const StreamShape mShape;
     const SampleLayout mLayout;
     const EncoderSettings& mSettings;
+    const bool mMayBeLoud;  // samples that came as integers, and went no other way, are in range
     const UInt32 mFramesPerPacket;
     const std::size_t mBytesPerFrame;
 

@@ -32,7 +32,7 @@ std::unique_ptr<PacketEncoder> MakeEncoder(const ConversionPlan& inPlan,
 {
     const EncoderRow& row = *inPlan.mEncoder;
     if (row.mRoad == EncoderRoad::Codec)
-        return std::make_unique<CodecEncoder>(row, inPlan.mStream, inPlan.mTo, inSettings);
+        return std::make_unique<CodecEncoder>(inPlan, inSettings);
     const LogLaw law = row.mFormatID == kAudioFormatALaw ? LogLaw::A : LogLaw::Mu;
     return std::make_unique<LogLawEncoder>(law, inPlan.mStream.mChannelCount);
 }

@@ -222,6 +222,26 @@ TEST(Encoding, WhatIsNoNumberOrFarTooLoudNeverReachesAnEncoder)
     }
 }
 
+TEST(Encoding, ASingleSampleThatIsNoNumberOrTooLoudIsTamedWhereverItStands)
+{
+    const float infinity = std::numeric_limits<float>::infinity();
+    for (const float bad : {std::numeric_limits<float>::quiet_NaN(), infinity, -infinity, -1e30f})
+    {
+        for (const std::size_t place : {std::size_t{0}, std::size_t{2047}, std::size_t{9599}})
+        {
+            std::vector<float> audio = Tones(4800, 2, 48000);
+            audio[place] = bad;
+            const ConverterPtr converter =
+                New(Floats(48000, 2), Destination(kAudioFormatMPEG4AAC, 48000, 2));
+            Memory input(audio, 2);
+            const Stream stream = EncodeAll(converter.get(), input);
+            EXPECT_EQ(stream.mStatus, noErr) << bad << " at " << place;
+            const auto back = As<float>(DecodeAll(stream, Floats(48000, 2)));
+            EXPECT_EQ(back.size(), audio.size()) << bad << " at " << place;
+        }
+    }
+}
+
 TEST(Encoding, AFillWithoutRoomOrDescriptionsFailsAndLosesNothing)
 {
     const ConverterPtr converter =

@@ -46,16 +46,33 @@ const char* OpusRateControl(UInt32 inMode)
     }
 }
 
-template <typename Word>
-void SplitChannels(const UInt8* inFrames, UInt32 inFrameCount, int inChannels, AVFrame& outFrame)
+// A stride that the compiler knows lets it split whole vectors.
+template <typename Word, std::size_t kChannels>
+void SplitChannels(const UInt8* inFrames, std::size_t inFrameCount, std::size_t inChannels,
+                   AVFrame& outFrame)
 {
-    const std::size_t channels = static_cast<std::size_t>(inChannels);
+    const std::size_t channels = kChannels > 0 ? kChannels : inChannels;
     for (std::size_t channel = 0; channel < channels; ++channel)
     {
         Word* plane = reinterpret_cast<Word*>(outFrame.extended_data[channel]);
         const UInt8* from = inFrames + channel * sizeof(Word);
-        for (UInt32 i = 0; i < inFrameCount; ++i, from += channels * sizeof(Word))
-            std::memcpy(plane + i, from, sizeof(Word));
+        for (std::size_t frame = 0; frame < inFrameCount; ++frame)
+            std::memcpy(plane + frame, from + frame * channels * sizeof(Word), sizeof(Word));
+    }
+}
+
+template <typename Word>
+void SplitWords(const UInt8* inFrames, std::size_t inFrameCount, std::size_t inChannels,
+                AVFrame& outFrame)
+{
+    switch (inChannels)
+    {
+        case 1:
+            return SplitChannels<Word, 1>(inFrames, inFrameCount, inChannels, outFrame);
+        case 2:
+            return SplitChannels<Word, 2>(inFrames, inFrameCount, inChannels, outFrame);
+        default:
+            return SplitChannels<Word, 0>(inFrames, inFrameCount, inChannels, outFrame);
     }
 }
 
@@ -184,15 +201,14 @@ bool Encoder::KeepCookie(const UInt8* inBytes, std::size_t inByteCount)
 
 void Encoder::Fill(const UInt8* inFrames, UInt32 inFrameCount)
 {
-    const int channels = mContext->ch_layout.nb_channels;
-    const int bytes = av_get_bytes_per_sample(mContext->sample_fmt);
+    const auto channels = static_cast<std::size_t>(mContext->ch_layout.nb_channels);
+    const auto bytes = static_cast<std::size_t>(av_get_bytes_per_sample(mContext->sample_fmt));
     if (av_sample_fmt_is_planar(mContext->sample_fmt) == 0)
-        std::memcpy(mFrame->extended_data[0], inFrames,
-                    std::size_t{inFrameCount} * static_cast<std::size_t>(bytes * channels));
+        std::memcpy(mFrame->extended_data[0], inFrames, inFrameCount * bytes * channels);
     else if (bytes == 2)
-        SplitChannels<UInt16>(inFrames, inFrameCount, channels, *mFrame);
+        SplitWords<UInt16>(inFrames, inFrameCount, channels, *mFrame);
     else
-        SplitChannels<UInt32>(inFrames, inFrameCount, channels, *mFrame);
+        SplitWords<UInt32>(inFrames, inFrameCount, channels, *mFrame);
 }
 
 CodecAnswer Encoder::Send(const UInt8* inFrames, UInt32 inFrameCount)
