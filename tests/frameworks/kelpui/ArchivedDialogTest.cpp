@@ -329,7 +329,7 @@ TEST_F(RunningDialog, EndingCountsDuringARunOnly)
 TEST_F(RunningDialog, ARunThatNobodyEndedIsCancelled)
 {
     EXPECT_EQ(Run([&] { mOK->Press(); }), 1);
-    EXPECT_EQ(Run([] {}), 0);
+    EXPECT_EQ(Run([&] { EXPECT_EQ(mDialog->GetResult(), UI_Dialog::kCancelled); }), 0);
 }
 
 TEST_F(RunningDialog, ADisabledButtonEndsNothing)

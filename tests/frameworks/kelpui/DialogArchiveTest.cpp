@@ -131,7 +131,8 @@ TEST(DialogArchive, OtherPropertiesAndDeeperOnesSayNothing)
 TEST(DialogArchive, ItemsOfALayoutAreNoItemsOfAPopup)
 {
     EXPECT_EQ(Controls("<layout><item>" + Property("text", "<string>x</string>") + "</item>" +
-                       "</layout>" + Widget("QComboBox", "A", Item("y"))),
+                       "</layout>" +
+                       Widget("QComboBox", "A", "<layout>" + Item("x") + "</layout>" + Item("y"))),
               Lines{"QComboBox A '' (y) at 0"});
 }
 

@@ -171,6 +171,22 @@ TEST_F(ExportDialogSelector, TheAACFilterFixesTheFileTypeWhateverIsStored)
     }
 }
 
+TEST_F(ExportDialogSelector, TheAACFilterStartsFromAACWhereTheFileTypeHasMore)
+{
+    constexpr UInt32 kMP3 = 0x2E6D7033;
+    mScript.mEncodable.push_back(kMP3);
+    mScript.mFileTypes[kADTS].mFormats = {{kMP3, {Variant(kMP3)}}, {kAAC, {Variant(kAAC)}}};
+    mFormat.mFilterId = kAACFilter;
+    EXPECT_EQ(Enter(
+                  [](const DialogWindow& window)
+                  {
+        EXPECT_EQ(window.Line("FormatType"), "FormatType: .mp3 | *aac ");
+        window.PressOK();
+    }),
+              0);
+    EXPECT_EQ(Stored().GetFormatID(), kAAC);
+}
+
 TEST_F(ExportDialogSelector, AnyOtherFilterChangesNothing)
 {
     mFormat.mFilterId = u"1667327590";  // caff

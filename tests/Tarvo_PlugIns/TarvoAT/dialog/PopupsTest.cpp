@@ -224,13 +224,32 @@ TEST_F(DialogPopups, AnItemMeansTheWholeBitsOfItsLowEnd)
               999u);
 }
 
+// Not for the audio's own rate and channels, where the encoder has others.
 TEST_F(DialogPopups, RangesAreAskedForTheAudioAsTheSettingsHaveIt)
 {
+    mScript.mFileTypes[kM4A].mFormats[0].second[0].mSampleRate = 8000;
     mBitDepth = 24;
     mRate = 22050;
+    mChannels = 6;
     StoreAAC(0, 128000);
     Run(DoNothing);
-    EXPECT_EQ(mPlatform.CallsOf("AudioConverterNew 22050 'lpcm' 12 6/1/6/2/24 to ").size(), 1u);
+    EXPECT_EQ(mPlatform.CallsOf("AudioConverterNew 8000 'lpcm' 12 6/1/6/2/24 to ").size(), 1u);
+}
+
+TEST_F(DialogPopups, TheOnlyVariantKeepsTheRateAndChannelsThatTheEncoderHas)
+{
+    mScript.mFileTypes[kM4A].mFormats[1].second[0].mSampleRate = 8000;
+    mScript.mEncoders[kALAC].mChannelCounts = {1, 2};
+    mChannels = 6;
+    StoreAAC(0);
+    const TarvoATPrivateSettings settings = After(
+        [](const DialogWindow& window)
+        {
+        window.Choose("FormatType", 1);
+        EXPECT_EQ(window.Line("Variant"), "Variant: *alac disabled");
+    });
+    EXPECT_EQ(settings.GetSampleRate(), 8000.0);
+    EXPECT_EQ(settings.GetChannelsPerFrame(), 2u);
 }
 
 TEST_F(DialogPopups, SpeakTheUsersLanguage)
