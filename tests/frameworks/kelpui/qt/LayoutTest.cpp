@@ -266,11 +266,13 @@ TEST(Places, OfBitrateAndQualityAreTheSame)
     dialog.Run(
         [&]
         {
+        // Popups take the size of their items after 20 ms, before the layout has its way again.
+        QTest::qWait(100);
         const QRect bitrate = dialog.Box("BitratePopupID").geometry();
         dialog.Popup("BitratePopupID").SetVisible(false);
         dialog.Popup("VBRQualityPopupID").SetVisible(true);
         EXPECT_TRUE(QTest::qWaitFor([&] { return dialog.Box("VBRQualityPopupID").isVisible(); }));
-        QTest::qWait(20);
+        QTest::qWait(100);
         EXPECT_EQ(dialog.Box("VBRQualityPopupID").geometry(), bitrate);
     });
 }
