@@ -5,7 +5,7 @@ build_packages=(g++ cmake ninja-build pkg-config
     libavcodec-dev libswresample-dev libhwy-dev libboost-dev libexpat1-dev libcli11-dev nlohmann-json3-dev
     libsoxr-dev qt6-base-dev qt6-tools-dev libqt6opengl6-dev)
 test_packages=(libgtest-dev libsndfile1-dev libavformat-dev ffmpeg flac sox libsox-fmt-all lame mpg123 faad
-    sndfile-programs binutils fonts-dejavu-core fonts-ipafont-gothic xvfb)
+    sndfile-programs binutils fonts-dejavu-core fonts-ipafont-gothic xvfb xdotool locales dbus-daemon)
 bench_packages=(libavformat-dev libsndfile1-dev ffmpeg sndfile-programs flac lame python3)
 fuzz_packages=(clang-14 libclang-rt-14-dev)
 

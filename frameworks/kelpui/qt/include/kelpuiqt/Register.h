@@ -5,8 +5,7 @@
 #define KELPUIQT_REGISTER_H
 
 #ifdef __cplusplus
-extern "C"
-{
+extern "C" {
 #endif
 
 /// Registers the presenter with kelpui. Null on success, else an English text that says why dialogs
