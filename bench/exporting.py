@@ -19,7 +19,7 @@ import statistics
 import subprocess
 from dataclasses import dataclass, field
 
-from measuring import ffmpeg, line, whole_run
+from measuring import ffmpeg, line_and_whole, whole_run
 
 BLOCK_FRAMES = 65536
 SOURCE_BLOCKS = 4
@@ -147,7 +147,7 @@ class ExportRuns:
 
     def told(self, program, job, path, container, form):
         words = [program, *job, path, container, form, self.export.bit_rate]
-        return line([str(word) for word in words])
+        return line_and_whole([str(word) for word in words])
 
     def ffmpeg(self, path):
         export = self.export
@@ -197,19 +197,19 @@ def least(runs, what):
     return min(run[what] for run in runs)
 
 
-def tell(table, name, bar, ours, theirs):
-    rounds = statistics.median(one["cpu"] / other["cpu"] for one, other in zip(ours, theirs))
+def tell(table, name, bar, ours, theirs, what="cpu"):
+    rounds = statistics.median(one[what] / other[what] for one, other in zip(ours, theirs))
     wall = least(ours, "seconds") / least(theirs, "seconds")
-    table.tell(name, least(ours, "cpu") / least(theirs, "cpu"), bar, least(ours, "cpu"), least(theirs, "cpu"),
+    table.tell(name, least(ours, what) / least(theirs, what), bar, least(ours, what), least(theirs, what),
                f"  median {rounds:.3f}, wall {wall:.3f}")
 
 
 def tell_runs(table, name, runs, bars):
-    ours = runs.pop("project")
-    fastest = min(runs, key=lambda who: least(runs[who], "cpu"))
-    for who, theirs in runs.items():
+    rivals = {who: theirs for who, theirs in runs.items() if who != "project"}
+    fastest = min(rivals, key=lambda who: least(rivals[who], "cpu"))
+    for who, theirs in rivals.items():
         bar = bars.get("fastest") if who == fastest and "fastest" in bars else bars.get(who)
-        tell(table, f"{name} / {who}", bar, ours, theirs)
+        tell(table, f"{name} / {who}", bar, runs["project"], theirs)
 
 
 def export_rows(table, inputs, programs):
@@ -221,7 +221,12 @@ def export_rows(table, inputs, programs):
         everybody = ("project", *export.rivals)
         for who in everybody:
             runs.check(who)
-        tell_runs(table, name, alternate(runs.run, export.rivals, table.rounds), export.bars)
+        figures = alternate(runs.run, export.rivals, table.rounds)
+        tell_runs(table, name, figures, export.bars)
+        if export.format != "lpcm":
+            # The codecs are loaded while the file is written, those of the rival before its clock starts.
+            tell(table, name + " / libav, whole process", export.bars.get("libav"), figures["project"],
+                 figures["libav"], "whole")
         for who in everybody:
             runs.drop(who)
 

@@ -46,6 +46,24 @@ def line(command):
     return json.loads(answer.strip().splitlines()[-1])
 
 
+def line_and_whole(command):
+    """The same, with the processor seconds of the whole process as "whole"."""
+    process = subprocess.Popen(command, stdout=subprocess.PIPE, text=True)
+    answer = process.stdout.read()
+    process.stdout.close()
+    seconds = end_of(process, command)
+    return {**json.loads(answer.strip().splitlines()[-1]), "whole": seconds}
+
+
+def end_of(process, command):
+    """Processor seconds of a process that has nothing left to say, loading included."""
+    _, status, usage = os.wait4(process.pid, 0)
+    process.returncode = os.waitstatus_to_exitcode(status)
+    if process.returncode != 0:
+        raise subprocess.CalledProcessError(process.returncode, command)
+    return usage.ru_utime + usage.ru_stime
+
+
 def whole(command):
     """Seconds of a whole process."""
     start = time.perf_counter()
@@ -62,11 +80,7 @@ def whole_run(command):
     """Processor seconds and seconds of a whole process, as a measuring program would tell them."""
     start = time.perf_counter()
     process = subprocess.Popen(command, stdout=subprocess.DEVNULL, stderr=subprocess.DEVNULL)
-    _, status, usage = os.wait4(process.pid, 0)
-    process.returncode = os.waitstatus_to_exitcode(status)
-    if process.returncode != 0:
-        raise subprocess.CalledProcessError(process.returncode, command)
-    return {"cpu": usage.ru_utime + usage.ru_stime, "seconds": time.perf_counter() - start}
+    return {"cpu": end_of(process, command), "seconds": time.perf_counter() - start}
 
 
 class Table:
