@@ -19,6 +19,8 @@ namespace
 
 constexpr std::int64_t kMostSilenceHeld = 4 * kDelayWindow;
 
+constexpr double kStepOf32Bits = 1.0 / 2147483648.0;  // full scale is 1
+
 void RequireSameForm(const AudioShape& inCopy, const AudioShape& inReference)
 {
     if (inCopy.mSampleRate == inReference.mSampleRate &&
@@ -47,11 +49,6 @@ std::vector<std::size_t> MatchChannels(const ChannelLabels& inCopy,
         for (std::size_t channel = 0; channel < sources.size(); ++channel)
             sources[channel] = channel;
     return sources;
-}
-
-bool AreAlike(float inOne, float inOther)
-{
-    return inOne == inOther || (std::isnan(inOne) && std::isnan(inOther));
 }
 
 }  // namespace
@@ -83,14 +80,14 @@ std::vector<float> FloatQueue::Sum(std::int64_t inCount) const
     return sum;
 }
 
-CopyComparison::CopyComparison(ReadSession& ioCopy, const AudioShape& inReference,
-                               bool inFindsDelay)
+CopyComparison::CopyComparison(ReadSession& ioCopy, const AudioShape& inReference, CopyLoss inLoss)
     : mShape(inReference),
+      mLoss(inLoss),
       mReader(ioCopy, false),
       mCopyBytes(ioCopy.Info().BytesPerSample()),
       mReference(inReference.ChannelCount()),
       mCopy(inReference.ChannelCount()),
-      mIsAligned(!inFindsDelay)
+      mIsAligned(inLoss != CopyLoss::kLossy)
 {
     const AudioShape copy = ShapeOf(ioCopy.Info());
     RequireSameForm(copy, mShape);
@@ -101,11 +98,39 @@ void CopyComparison::Write(const char* const* inChannels, std::int64_t inFrameCo
 {
     mResult.mFramesExpected += inFrameCount;
     mReference.Append(inChannels, mShape.BytesPerSample(), inFrameCount);
+    LoseWhatCannotBeHeld(inFrameCount);
     ReadCopy(mReference.FrameCount() + kLargestDelay);
     if (!mIsAligned)
         FindDelay(false);
     if (mIsAligned)
         Compare(mReference.FrameCount());
+}
+
+// Integers end at full scale, and neither they nor encoders take what is no number.
+void CopyComparison::LoseWhatCannotBeHeld(std::int64_t inFrameCount)
+{
+    if (mLoss == CopyLoss::kNone)
+        return;
+    for (std::size_t channel = 0; channel < mShape.ChannelCount(); ++channel)
+    {
+        float* samples = mReference.Last(channel, inFrameCount);
+        for (std::int64_t frame = 0; frame < inFrameCount; ++frame)
+        {
+            float& sample = samples[frame];
+            if (mLoss == CopyLoss::kRounded)
+                sample = std::isnan(sample) ? 0.0F : std::clamp(sample, -1.0F, 1.0F);
+            else if (!std::isfinite(sample))
+                sample = 0.0F;
+        }
+    }
+}
+
+bool CopyComparison::AreAlike(float inReference, float inCopy) const
+{
+    if (inReference == inCopy || (std::isnan(inReference) && std::isnan(inCopy)))
+        return true;
+    return mLoss == CopyLoss::kRounded &&
+           std::abs(static_cast<double>(inCopy) - inReference) <= kStepOf32Bits;
 }
 
 VerificationResult CopyComparison::Finish()
@@ -120,8 +145,10 @@ VerificationResult CopyComparison::Finish()
         if (mReference.FrameCount() == 0)
             mCopy.Drop(mCopy.FrameCount());
     }
-    mResult.mSignalToNoise = mNoise > 0.0 ? 10.0 * std::log10(mSignal / mNoise)
-                                          : std::numeric_limits<double>::infinity();
+    // Noise that is no number is the worst, not none.
+    mResult.mSignalToNoise = mNoise == 0.0           ? std::numeric_limits<double>::infinity()
+                             : std::isfinite(mNoise) ? 10.0 * std::log10(mSignal / mNoise)
+                                                     : -std::numeric_limits<double>::infinity();
     return mResult;
 }
 

@@ -28,6 +28,11 @@ public:
         return mChannels.empty() ? 0 : static_cast<std::int64_t>(mChannels[0].size());
     }
     const float* Channel(std::size_t inChannel) const { return mChannels[inChannel].data(); }
+    /// The last inCount frames, which may be changed; at most FrameCount.
+    float* Last(std::size_t inChannel, std::int64_t inCount)
+    {
+        return mChannels[inChannel].data() + (FrameCount() - inCount);
+    }
     void Append(const char* const* inChannels, std::size_t inBytesPerSample, std::int64_t inCount);
     /// At most FrameCount.
     void Drop(std::int64_t inCount);
@@ -38,12 +43,20 @@ private:
     std::vector<std::vector<float>> mChannels;
 };
 
+/// What becomes of samples in the copy.
+enum class CopyLoss
+{
+    kNone,
+    kRounded,  // floats are kept as 32-bit integers
+    kLossy,    // there may be a delay, too
+};
+
 class CopyComparison : public BlockSink
 {
 public:
     /// inReference  form of the blocks
     /// Throws Failure (kExitFailed) when the copy has another rate or channel count.
-    CopyComparison(ReadSession& ioCopy, const AudioShape& inReference, bool inFindsDelay);
+    CopyComparison(ReadSession& ioCopy, const AudioShape& inReference, CopyLoss inLoss);
 
     void Write(const char* const* inChannels, std::int64_t inFrameCount) override;
 
@@ -51,6 +64,8 @@ public:
     VerificationResult Finish();
 
 private:
+    void LoseWhatCannotBeHeld(std::int64_t inFrameCount);
+    bool AreAlike(float inReference, float inCopy) const;
     void ReadCopy(std::int64_t inFramesWanted);
     bool ReadCopyBlock();
     void FindDelay(bool inIsAtEnd);
@@ -60,6 +75,7 @@ private:
     void CompareChannel(std::size_t inChannel, std::int64_t inCount);
 
     const AudioShape mShape;
+    const CopyLoss mLoss;
     BlockReader mReader;
     const std::size_t mCopyBytes;           // of a sample
     std::vector<std::size_t> mCopySources;  // [reference channel]: channel of the copy

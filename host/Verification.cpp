@@ -13,7 +13,10 @@ VerificationResult VerifyCopy(const PlugIn& inPlugIn, const VerificationRequest&
     ConversionOptions options = inRequest.mConversion;
     options.mMeasuresPeak = false;
     const Conversion conversion(source.Info(), options);
-    CopyComparison comparison(copy, options.mTarget, inRequest.mIsLossy);
+    const CopyLoss loss = inRequest.mIsLossy     ? CopyLoss::kLossy
+                          : inRequest.mIsRounded ? CopyLoss::kRounded
+                                                 : CopyLoss::kNone;
+    CopyComparison comparison(copy, options.mTarget, loss);
     conversion.Run(source, comparison, inProgress);
     return comparison.Finish();
 }

@@ -32,6 +32,7 @@ struct VerificationRequest
     std::string mCopy;              // path
     ConversionOptions mConversion;  // that made the copy
     bool mIsLossy = false;          // look for a delay, and compare behind it
+    bool mIsRounded = false;        // floats, which the copy keeps as 32-bit integers
 };
 
 /// Reads both files through the plug-in. A difference is an answer; only what cannot be read is a

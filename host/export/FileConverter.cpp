@@ -2,6 +2,7 @@
 
 #include "host/Failure.h"
 #include "host/Interrupt.h"
+#include "host/StoredSettings.h"
 #include "host/TargetFile.h"
 #include "host/WriteSession.h"
 
@@ -31,6 +32,14 @@ std::int64_t FileSize(const std::string& inPath)
 bool LosesBits(const ExportPlan& inPlan)
 {
     return inPlan.mIsLossy && inPlan.mFormat != kAudioFormatFLAC;
+}
+
+// Samples are handed over as floats where a file has 32-bit integers.
+bool RoundsFloats(const ExportPlan& inPlan)
+{
+    const auto flags = static_cast<std::uint32_t>(SettingsNumber(inPlan.mSettings, "FormatFlags"));
+    return inPlan.mFormat == kAudioFormatLinearPCM && (flags & kAudioFormatFlagIsFloat) == 0 &&
+           inPlan.mAudio.BytesPerSample() == 4;
 }
 
 void Require(const VerificationResult& inResult, bool inIsLossy, const std::string& inName)
@@ -91,9 +100,14 @@ ConvertReport FileConverter::Convert(const std::string& inSource, const std::str
     report.mResult = Write(source, conversion, report.mPlan, target->TemporaryPath(), inTarget);
     if (mOptions.mVerifies)
     {
-        const bool isLossy = LosesBits(report.mPlan);
-        report.mVerification = Verify(inSource, target->TemporaryPath(), options, isLossy);
-        Require(*report.mVerification, isLossy, inTarget);
+        VerificationRequest request;
+        request.mSource = inSource;
+        request.mCopy = target->TemporaryPath();
+        request.mConversion = options;
+        request.mIsLossy = LosesBits(report.mPlan);
+        request.mIsRounded = RoundsFloats(report.mPlan);
+        report.mVerification = Verify(request, inTarget);
+        Require(*report.mVerification, request.mIsLossy, inTarget);
     }
     CheckInterrupt();
     report.mBytes = FileSize(target->TemporaryPath());
@@ -115,16 +129,19 @@ ConversionResult FileConverter::Write(ReadSession& ioSource, const Conversion& i
     return result;
 }
 
-VerificationResult FileConverter::Verify(const std::string& inSource, const std::string& inCopy,
-                                         const ConversionOptions& inConversion,
-                                         bool inIsLossy) const
+VerificationResult FileConverter::Verify(const VerificationRequest& inRequest,
+                                         const std::string& inName) const
 {
-    VerificationRequest request;
-    request.mSource = inSource;
-    request.mCopy = inCopy;
-    request.mConversion = inConversion;
-    request.mIsLossy = inIsLossy;
-    return VerifyCopy(mPlugIn, request);
+    try
+    {
+        return VerifyCopy(mPlugIn, inRequest);
+    }
+    catch (const Failure& failure)
+    {
+        // The source could be read a moment ago.
+        throw Failure(kExitFailed, failure.mResult,
+                      inName + ": cannot be verified: " + failure.what());
+    }
 }
 
 }  // namespace host

@@ -61,8 +61,8 @@ private:
     ConversionResult Write(ReadSession& ioSource, const Conversion& inConversion,
                            const ExportPlan& inPlan, const std::string& inPath,
                            const std::string& inName) const;
-    VerificationResult Verify(const std::string& inSource, const std::string& inCopy,
-                              const ConversionOptions& inConversion, bool inIsLossy) const;
+    VerificationResult Verify(const VerificationRequest& inRequest,
+                              const std::string& inName) const;
 
     const PlugIn& mPlugIn;
     const ConvertOptions& mOptions;

@@ -7,6 +7,8 @@
 #include <gtest/gtest.h>
 
 #include <cmath>
+#include <limits>
+#include <utility>
 
 namespace
 {
@@ -63,6 +65,18 @@ protected:
         audio.mPlanes.clear();
         for (const std::vector<std::int16_t>& samples : inChannels)
             audio.mPlanes.push_back(Bytes(samples));
+    }
+    // A mono source of floats, and what its copy holds.
+    void PutFloats(const std::vector<float>& inSource, const std::vector<float>& inCopy)
+    {
+        for (const auto& [name, samples] : {std::pair("in", inSource), std::pair("copy", inCopy)})
+        {
+            FakeAudio& audio = mFiles.mFiles[name];
+            audio.mType = 40;
+            audio.mLabels = {0};
+            audio.mPlanes = {Bytes(samples)};
+        }
+        mRequest.mConversion.mTarget = {44100, 40, 0, {0}};
     }
     FakeAudio& Copy() { return mFiles.mFiles["copy"]; }
     VerificationResult Verify() { return host::VerifyCopy(mPlugIn, mRequest); }
@@ -182,6 +196,42 @@ TEST_F(VerificationTest, ConvertsTheSourceLikeTheCopy)
     EXPECT_TRUE(Verify().IsExact());
     Copy().mPlanes[0][1000] ^= 1;
     EXPECT_EQ(Verify().mFirstDifference, 1000);
+}
+
+TEST_F(VerificationTest, TakesFloatsThatWereRoundedTo32BitIntegersForExact)
+{
+    constexpr float kNaN = std::numeric_limits<float>::quiet_NaN();
+    constexpr float kInfinity = std::numeric_limits<float>::infinity();
+    PutFloats({0.5F, 1e-5F, -3.3e-7F, 2.5F, -2.5F, kNaN, kInfinity, -kInfinity},
+              {0.5F, 21475.0F / 2147483648, -709.0F / 2147483648, 1.0F, -1.0F, 0.0F, 1.0F, -1.0F});
+    EXPECT_FALSE(Verify().IsExact());
+    mRequest.mIsRounded = true;
+    EXPECT_TRUE(Verify().IsExact());
+}
+
+TEST_F(VerificationTest, FindsTheFirstWrongOneOfRoundedFloats)
+{
+    mRequest.mIsRounded = true;
+    PutFloats({0.0F, 0.0F, 2.5F}, {0.0F, 2.0F / 2147483648, 0.9F});
+    const VerificationResult result = Verify();
+    EXPECT_FALSE(result.IsExact());
+    EXPECT_EQ(result.mFirstDifference, 1);
+}
+
+TEST_F(VerificationTest, FindsNoiseThatIsNoNumber)
+{
+    constexpr float kNaN = std::numeric_limits<float>::quiet_NaN();
+    mRequest.mIsLossy = true;
+    PutFloats({0.5F, 0.25F, -0.5F}, {0.5F, kNaN, -0.5F});
+    EXPECT_LT(Verify().mSignalToNoise, 0.0);
+}
+
+TEST_F(VerificationTest, JudgesALossyCopyOfWhatIsNoNumberByTheRest)
+{
+    constexpr float kNaN = std::numeric_limits<float>::quiet_NaN();
+    mRequest.mIsLossy = true;
+    PutFloats({0.5F, kNaN, -0.5F}, {0.45F, 0.0F, -0.45F});
+    EXPECT_NEAR(Verify().mSignalToNoise, 20.0, 0.01);
 }
 
 TEST_F(VerificationTest, RefusesACopyOfAnotherForm)

@@ -86,6 +86,33 @@ TEST_F(ConvertTest, WritesEveryTypeAndItsCopyBearsTheVerification)
     }
 }
 
+TEST_F(ConvertTest, FloatsThatBecome32BitIntegersBearTheVerification)
+{
+    for (const char* name : {"a.aiff", "a.wav"})
+    {
+        const ProgramRun run =
+            Convert({Made("wav-f32.wav"), Path(name), "--depth", "32i", "--verify", "--json"});
+        ASSERT_EQ(run.mExitCode, 0) << run.mErrors;
+        EXPECT_EQ(json::parse(run.mOutput)["verification"]["exact"], true) << name;
+    }
+}
+
+// A raw stream of no packets is no file that can be opened again.
+TEST_F(ConvertTest, ACopyThatCannotBeReadFailsTheVerificationAndNotTheSource)
+{
+    const std::string wave(
+        "RIFF\x24\0\0\0WAVEfmt \x10\0\0\0\1\0\1\0\x44\xAC\0\0\x88\x58\1\0\2\0"
+        "\x10\0data\0\0\0\0",
+        44);
+    std::ofstream(Path("none.wav"), std::ios::binary) << wave;
+    EXPECT_EQ(Convert({Path("none.wav"), Path("b.aac")}).mExitCode, 0);
+    const ProgramRun run = Convert({Path("none.wav"), Path("a.aac"), "--verify"});
+    EXPECT_EQ(run.mExitCode, 1);
+    EXPECT_EQ(run.mErrors.find("tarvo: " + Path("a.aac") + ": cannot be verified: "), 0u)
+        << run.mErrors;
+    EXPECT_FALSE(fs::exists(Path("a.aac")));
+}
+
 TEST_F(ConvertTest, TheStoredRateHoldsWhereTheAudiosIsImpossible)
 {
     ASSERT_EQ(Convert({Made("wav-s16.wav"), Path("96.wav"), "--rate", "96k"}).mExitCode, 0);
