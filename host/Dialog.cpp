@@ -4,12 +4,14 @@
 #include "TarvoSDK/TarvoSDK.h"
 #include "host/Failure.h"
 #include "host/Interrupt.h"
+#include "kelpcore/config/Localizer.h"
 #include "kelpcore/utility/NumberText.h"
 
 #include <kelpuiqt/Register.h>
 
 #include <dlfcn.h>
 #include <exception>
+#include <filesystem>
 
 namespace host
 {
@@ -63,12 +65,24 @@ std::int32_t Run(const PlugIn& inPlugIn, RunObject& ioRun, const std::string& in
     }
 }
 
+// The folder of the program's own libraries. A bare name would do where the loader's search is left
+// to the program, but the address sanitizer's own library stands between the two.
+std::filesystem::path LibraryFolder()
+{
+    Dl_info info = {};
+    const auto own = reinterpret_cast<const void*>(&kelpcore::config::Localizer::Get);
+    if (dladdr(own, &info) == 0 || !info.dli_fname)
+        return {};
+    return std::filesystem::path(info.dli_fname).parent_path();
+}
+
 }  // namespace
 
 void ProvideDialogs(const std::string& inLibrary)
 {
+    const std::string path = (LibraryFolder() / inLibrary).lexically_normal().string();
     // Never closed: toolkits are not made to be unloaded.
-    void* const library = dlopen(inLibrary.c_str(), RTLD_NOW | RTLD_LOCAL);
+    void* const library = dlopen(path.c_str(), RTLD_NOW | RTLD_LOCAL);
     if (!library)
         throw Failure(kExitFailed, 0, std::string("the dialog needs Qt 6 Widgets: ") + dlerror());
     const auto provide =

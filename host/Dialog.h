@@ -17,7 +17,7 @@ namespace host
 /// Loads what shows dialogs. To be called before the process has another thread, for the one on
 /// which dialogs run.
 ///
-/// inLibrary  its name where the program's own libraries are looked for, or a path
+/// inLibrary  its name beside the program's other libraries, or a whole path
 /// Throws Failure (kExitFailed) when it is missing, when what it needs is missing, and without a
 /// display.
 void ProvideDialogs(const std::string& inLibrary = "libkelpuiQt.so");

@@ -147,9 +147,9 @@ TEST(ProvideDialogsTest, TellsThatQtIsNeededWhereTheLibraryIsMissing)
     catch (const host::Failure& failure)
     {
         EXPECT_EQ(failure.mExitCode, host::kExitFailed);
-        EXPECT_EQ(std::string(failure.what()).find("the dialog needs Qt 6 Widgets: libnowhere.so"),
-                  0u)
-            << failure.what();
+        const std::string text = failure.what();
+        EXPECT_EQ(text.find("the dialog needs Qt 6 Widgets: "), 0u) << text;
+        EXPECT_NE(text.find("/lib/libnowhere.so: "), std::string::npos) << text;
     }
 }
 
