@@ -116,6 +116,30 @@ TEST_F(SettingsTest, ExitCodesTellWhatWasWrong)
     EXPECT_EQ(Settings({"--save", "one"}).mExitCode, 4);
 }
 
+TEST_F(SettingsTest, SpeakTheLanguageThatIsNamedElseTheLocales)
+{
+    const auto description = [](const char* inLanguage)
+    {
+        std::vector<std::string> arguments = {"--type", "mp3", "--quality", "high"};
+        if (inLanguage)
+            arguments.insert(arguments.end(), {"--lang", inLanguage});
+        return Told(arguments)["description"].get<std::string>();
+    };
+    const std::string german = "MPEG Layer 3\nMPEG Layer 3\nVBR-Qualität: Hoch";
+    const std::string english = "MPEG Layer 3\nMPEG Layer 3\nVBR Quality: High";
+    EXPECT_EQ(description("de"), german);
+    const char* const before = std::getenv("LANGUAGE");
+    const std::string kept = before ? before : "";
+    setenv("LANGUAGE", "de_AT:en", 1);
+    EXPECT_EQ(description(nullptr), german);
+    EXPECT_EQ(description("en"), english);
+    before ? setenv("LANGUAGE", kept.c_str(), 1) : unsetenv("LANGUAGE");
+
+    const ProgramRun run = Settings({"--lang", "tlh"});
+    EXPECT_EQ(run.mExitCode, 2);
+    EXPECT_EQ(run.mErrors, "tarvo: --lang tlh: there are no texts; possible: de, en, ja\n");
+}
+
 TEST_F(SettingsTest, HostileTextsAreJudgedAndNothingElse)
 {
     for (const char* text :
