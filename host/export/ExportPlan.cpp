@@ -26,19 +26,6 @@ namespace
 constexpr std::int32_t kUsualRates[] = {48000, 44100, 32000, 24000, 22050,
                                         16000, 12000, 11025, 8000};
 
-struct SampleCost
-{
-    std::uint32_t mFormat;
-    double mBits;  // a sample, at the most
-};
-
-// What samples cost in formats that the plug-in's estimate is far from.
-constexpr SampleCost kSampleCosts[] = {
-    {kAudioFormatALaw, 8.0},         {kAudioFormatULaw, 8.0},
-    {kAudioFormatAppleIMA4, 4.25},   {kAudioFormatMicrosoftADPCM, 4.25},
-    {kAudioFormatDVIIntelIMA, 4.25}, {kAudioFormatMicrosoftGSM, 1.625},
-};
-
 struct TypeChoice
 {
     std::uint32_t mType = 0;
@@ -222,7 +209,9 @@ private:
         plan.mDescription = answer.mDescription;
         plan.mMimeType = answer.mMimeType;
         plan.mExtensions = answer.mExtensions;
-        plan.mEstimatedBytes = answer.EstimatedBytes();
+        plan.mEstimatedBytes =
+            SizeOfSamples(plan.mFormat, plan.mAudio.mFrameCount, plan.mAudio.ChannelCount())
+                .value_or(answer.EstimatedBytes());
         plan.mIsLossy = answer.mIsLossy;
         plan.mChanges = inAttempt.mComposed.mChanges;
         TellChanges(inAttempt, plan);
@@ -290,24 +279,11 @@ std::string Gibibytes(std::int64_t inBytes)
     return text;
 }
 
-// Whether a file type can hold it must be right on both sides of the limit.
-std::int64_t BytesForLimit(const ExportPlan& inPlan)
-{
-    constexpr std::int64_t kHeaderBytes = 256;
-    for (const SampleCost& cost : kSampleCosts)
-        if (cost.mFormat == inPlan.mFormat)
-            return kHeaderBytes +
-                   static_cast<std::int64_t>(static_cast<double>(inPlan.mAudio.mFrameCount) *
-                                             static_cast<double>(inPlan.mAudio.ChannelCount()) *
-                                             cost.mBits / 8.0);
-    return inPlan.mEstimatedBytes;
-}
-
 // The type to go to when the file would grow too large; 0: the plan stands.
 std::uint32_t TypeForSize(const ExportPlan& inPlan, const TypeChoice& inChoice,
                           const std::string& inPath)
 {
-    const std::int64_t bytes = BytesForLimit(inPlan);
+    const std::int64_t bytes = inPlan.mEstimatedBytes;
     if (CanHold(inPlan.mFileType, bytes))
         return 0;
     const std::uint32_t large = TypeForLargeFiles(inPlan.mFileType);

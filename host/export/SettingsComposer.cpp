@@ -2,6 +2,7 @@
 
 #include "host/Failure.h"
 #include "host/HostText.h"
+#include "host/SizeLimits.h"
 #include "host/export/ExportNames.h"
 
 #include "appleaudiotoolbox/utility/ATUtils.h"
@@ -273,7 +274,9 @@ void SettingsComposer::SetEstimatedBitrate(const ExportTarget& inTarget,
 {
     const UInt32 format = ioSettings.mRecord.GetFormatID();
     const double estimate = appleaudiotoolbox::GetEstimatedBitDepthFromCompressedFormat(format);
+    const double cost = BitsOfSample(format);
     const double bits = estimate > 0.0                    ? estimate
+                        : cost > 0.0                      ? cost
                         : format == kAudioFormatLinearPCM ? ioSettings.mRecord.GetBitsPerChannel()
                                                           : ioSettings.mSampleType / 10 * 8;
     const double rate = bits * inTarget.mRate * inTarget.mChannels;

@@ -31,6 +31,18 @@ TEST(SizeLimits, DoNotEndTheOthers)
     }
 }
 
+TEST(SizeLimits, CountSamplesOfOneSize)
+{
+    constexpr std::uint32_t kMuLaw = 0x756C6177;
+    constexpr std::uint32_t kMicrosoftADPCM = 0x6D730002;
+    constexpr std::uint32_t kGSM = 0x6D730031;
+    constexpr std::uint32_t kAAC = 0x61616320;
+    EXPECT_EQ(host::SizeOfSamples(kMuLaw, 1000, 6), 6000 + 256);
+    EXPECT_EQ(host::SizeOfSamples(kMicrosoftADPCM, 16000, 2), 17000 + 256);
+    EXPECT_EQ(host::SizeOfSamples(kGSM, 8000, 1), 1625 + 256);
+    EXPECT_EQ(host::SizeOfSamples(kAAC, 8000, 1), std::nullopt);
+}
+
 TEST(SizeLimits, ProposeATypeWithoutOne)
 {
     EXPECT_EQ(host::TypeForLargeFiles(kWAVE), kRF64);
