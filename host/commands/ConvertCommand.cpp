@@ -289,7 +289,8 @@ void AddOptions(CLI::App& ioCommand, ConvertCommandOptions& outOptions)
     ioCommand
         .add_option("FILE", outOptions.mFiles,
                     "The file to read and the file to write; with --out-dir files to read")
-        ->required();
+        ->required()
+        ->check(NotEmpty());
     auto* folder =
         ioCommand
             .add_option("--out-dir", outOptions.mFolder, "Write into this folder, a file each")

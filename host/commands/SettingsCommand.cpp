@@ -130,10 +130,12 @@ void AddSettingsCommand(CLI::App& ioProgram, const CommonOptions& inCommon, Work
     CLI::App* command = ioProgram.add_subcommand(
         "settings", "Make a settings text for exports, and keep it as a preset");
     auto options = std::make_shared<SettingsCommandOptions>();
-    command->add_option("FILE", options->mFile, "Audio that the settings shall fit");
+    command->add_option("FILE", options->mFile, "Audio that the settings shall fit")
+        ->check(NotEmpty());
     AddExportOptions(*command, options->mExport);
     AddDialogOption(*command, options->mHasDialog);
-    command->add_option("--save", options->mPreset, "Keep the settings under this name");
+    command->add_option("--save", options->mPreset, "Keep the settings under this name")
+        ->check(NotEmpty());
     command->add_flag("--force", options->mForce, "Replace a preset that is there already");
     command->callback(
         [&inCommon, &outWork, options]

@@ -152,21 +152,31 @@ std::optional<std::uint32_t> ReadChannelCount(std::string_view inText)
     return count && *count >= 1 && *count <= kMostChannels ? count : std::nullopt;
 }
 
+CLI::Validator NotEmpty()
+{
+    return CLI::Validator([](const std::string& inText)
+                          { return inText.empty() ? std::string("is empty") : std::string(); },
+                          "");
+}
+
 void AddExportOptions(CLI::App& ioCommand, ExportOptions& outOptions)
 {
     const char* group = "Settings";
     const auto add = [&](const char* inName, auto& outText, const char* inHelp)
-    { return ioCommand.add_option(inName, outText, inHelp)->group(group); };
+    { ioCommand.add_option(inName, outText, inHelp)->group(group)->check(NotEmpty()); };
     add("--type", outOptions.mType, "File type: an extension, a code or a name");
     add("--format", outOptions.mFormat, "Data format: a code or a name (pcm, alac, aac, ...)");
-    add("--depth", outOptions.mDepth, "Bits a sample: 8, 16, 20, 24, 32, 32f");
+    add("--depth", outOptions.mDepth, "Bits a sample: 8, 16, 20, 24, 32, 32f, 32i");
     add("--bitrate", outOptions.mBitrate, "Bits per second, as 192k");
     add("--mode", outOptions.mMode, "Bit rate mode: cbr, abr, cvbr or vbr");
     add("--quality", outOptions.mQuality,
         "Of the mode vbr: 0 to 127, or min, low, medium, high, max");
     add("--rate", outOptions.mRate, "Sample rate in Hz, as 48000 or 44.1k");
     add("--channels", outOptions.mChannels, "Number of channels");
-    add("--settings", outOptions.mSettings, "A settings text, or the name of a preset");
+    // An empty text is one: the plug-in's default settings.
+    ioCommand
+        .add_option("--settings", outOptions.mSettings, "A settings text, or the name of a preset")
+        ->group(group);
     add("--repair", outOptions.mRepair,
         "What to do with settings that do not suit the audio: none, fit (default), stored");
 }
@@ -183,7 +193,7 @@ ExportWish ReadWish(const ExportOptions& inOptions)
     ExportWish wish;
     wish.mType = inOptions.mType;
     wish.mFormat = inOptions.mFormat;
-    wish.mDepth = Required(inOptions.mDepth, ReadDepth, "--depth", "8, 16, 20, 24, 32 or 32f");
+    wish.mDepth = Required(inOptions.mDepth, ReadDepth, "--depth", "8, 16, 20, 24, 32, 32f or 32i");
     wish.mBitrate = Required(inOptions.mBitrate, ReadBitrate, "--bitrate",
                              "bits per second, as 192k or 192000");
     wish.mMode = Required(inOptions.mMode, ReadMode, "--mode", "cbr, abr, cvbr or vbr");

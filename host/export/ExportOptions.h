@@ -28,6 +28,9 @@ struct ExportOptions
     std::string mRepair{};
 };
 
+/// Refuses an empty value, which a shell makes of a variable that is not set.
+CLI::Validator NotEmpty();
+
 void AddExportOptions(CLI::App& ioCommand, ExportOptions& outOptions);
 
 /// The flag that has the rest chosen in the plug-in's dialog.

@@ -88,12 +88,12 @@ ConvertReport FileConverter::Convert(const std::string& inSource, const std::str
     report.mIsCancelled = !Choose(shape, inTarget, report.mPlan);
     if (report.mIsCancelled)
         return report;
-    inTell(report.mPlan);
 
     ConversionOptions options;
     options.mTarget = report.mPlan.mAudio;
     options.mDither = mOptions.mDither;
     const Conversion conversion(source.Info(), options);
+    inTell(report.mPlan);  // what can be done, and not before
     if (!target)
         return report;
 

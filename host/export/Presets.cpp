@@ -127,11 +127,11 @@ std::vector<std::string> PresetNames()
 {
     std::vector<std::string> names;
     const fs::path folder = Folder();
-    std::error_code error;
+    std::error_code error, ignored;
     if (folder.empty())
         return names;
     for (const fs::directory_entry& entry : fs::directory_iterator(folder, error))
-        if (IsPresetName(entry.path().filename().string()))
+        if (IsPresetName(entry.path().filename().string()) && entry.is_regular_file(ignored))
             names.push_back(entry.path().filename().string());
     std::sort(names.begin(), names.end());
     return names;

@@ -63,6 +63,7 @@ TEST_F(PresetsTest, WhatIsSavedIsLoadedAgain)
 {
     SavePreset("podcast 96k", "FormatID:0:5;", false);
     EXPECT_EQ(LoadPreset("podcast 96k"), "FormatID:0:5;");
+    fs::create_directory(Presets() / "folder");  // cannot be loaded
     EXPECT_EQ(PresetNames(), std::vector<std::string>{"podcast 96k"});
 }
 

@@ -219,6 +219,24 @@ TEST_F(ConvertTest, ADryRunTellsAndWritesNothing)
     EXPECT_EQ(FilesIn(), 0u);
 }
 
+TEST_F(ConvertTest, TheSizeIsToldAheadWhereEverySampleCostsTheSame)
+{
+    // Long enough that headers and the last block count little.
+    ASSERT_EQ(Convert({Made("wav-s16.wav"), Path("long.wav"), "--rate", "192k"}).mExitCode, 0);
+    for (const char* format : {"pcm", "alaw", "mulaw", "msadpcm", "imaadpcm", "gsm"})
+    {
+        const std::string copy = Path(std::string(format) + ".wav");
+        const ProgramRun run = Convert({Path("long.wav"), copy, "--format", format, "--json"});
+        ASSERT_EQ(run.mExitCode, 0) << run.mErrors;
+        const json object = json::parse(run.mOutput);
+        EXPECT_NEAR(object["estimatedBytes"].get<double>() / object["bytes"].get<double>(), 1.0,
+                    0.1)
+            << format;
+        const auto planned = DryRun({Path("long.wav"), copy, "--format", format});
+        EXPECT_EQ(planned["estimatedBytes"], object["estimatedBytes"]) << format;
+    }
+}
+
 TEST_F(ConvertTest, ResamplesAndMixesWhenAsked)
 {
     const std::string output = Path("a.wav");
@@ -336,6 +354,41 @@ TEST_F(ConvertTest, WrongUseExitsWithTwoAndTellsProgramsToo)
         EXPECT_EQ(object["version"], 1) << i;
         EXPECT_FALSE(object["error"]["text"].get<std::string>().empty()) << i;
     }
+    EXPECT_EQ(FilesIn(), 0u);
+}
+
+TEST_F(ConvertTest, ChannelsThatCannotBeMixedAreNotSaidToBecomeFewer)
+{
+    const std::string tenChannels(
+        "RIFF\x24\0\0\0WAVEfmt \x10\0\0\0\1\0\x0A\0\x44\xAC\0\0\xD0\x75\x0D\0\x14\0\x10\0"
+        "data\0\0\0\0",
+        44);
+    std::ofstream(Path("ten.wav"), std::ios::binary) << tenChannels;
+    for (const char* option : {"--force", "--dry-run"})
+    {
+        const ProgramRun run = Convert({Path("ten.wav"), Path("a.mp3"), option});
+        EXPECT_EQ(run.mExitCode, 5);
+        EXPECT_EQ(run.mErrors, "tarvo: " + Path("ten.wav") +
+                                   ": 10 channels without names cannot be mixed to 2.\n");
+    }
+}
+
+TEST_F(ConvertTest, AnEmptyValueIsWrongUse)
+{
+    const std::string source = Made("wav-s16.wav");
+    for (const auto& arguments :
+         std::vector<std::vector<std::string>>{{source, Path("a.wav"), "--type", ""},
+                                               {source, Path("a.mp3"), "--bitrate", ""},
+                                               {source, Path("a.wav"), "--rate", ""},
+                                               {source, ""},
+                                               {"", Path("a.wav")}})
+    {
+        const ProgramRun run = Convert(arguments);
+        EXPECT_EQ(run.mExitCode, 2) << run.mErrors;
+        EXPECT_NE(run.mErrors.find("is empty"), std::string::npos) << run.mErrors;
+    }
+    EXPECT_EQ(Settings({"--type", "wav", "--save", ""}).mExitCode, 2);
+    EXPECT_EQ(Settings({""}).mExitCode, 2);
     EXPECT_EQ(FilesIn(), 0u);
 }
 
