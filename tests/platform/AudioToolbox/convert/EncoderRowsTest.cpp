@@ -114,7 +114,8 @@ TEST(EncoderRows, TonesFitIntoTheLowestBitRate)
                     New(Floats(rate, channels), Destination(row.mFormatID, rate, channels));
                 ASSERT_EQ(Set(converter.get(), kAudioConverterEncodeBitRate, lowest.front()),
                           noErr);
-                Memory input(Sweeps(rate, 3 * rate, channels), channels);
+                const std::vector<float> sweeps = Sweeps(rate, 2 * rate, channels);
+                Memory input(sweeps, channels);
                 EXPECT_EQ(EncodeAll(converter.get(), input, 16).mStatus, noErr);
             }
 }
