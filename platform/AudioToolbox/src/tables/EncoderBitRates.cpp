@@ -38,8 +38,9 @@ constexpr AACLimits kAACLimits[] = {
     {0xFFFFFFFF, {28, 448}, {64, 512}},
 };
 
-/// The lowest step at which the encoder finds room for every packet of noise, tones, clicks, bursts
-/// and square waves that differ from channel to channel; below it gives up in the middle of a file.
+/// A step above the lowest at which the encoder found room for every packet of noise, tones,
+/// clicks, bursts and square waves that differ from channel to channel. It gives up in the middle
+/// of a file where it finds none.
 struct AC3Floor
 {
     AudioFormatID mFormat;
@@ -49,11 +50,11 @@ struct AC3Floor
     UInt32 mAt48000;
 };
 constexpr AC3Floor kAC3Floors[] = {
-    {kAudioFormatAC3, 1, 32, 32, 32},         {kAudioFormatAC3, 2, 32, 32, 40},
-    {kAudioFormatAC3, 3, 32, 40, 40},         {kAudioFormatAC3, 4, 40, 56, 56},
-    {kAudioFormatAC3, 6, 48, 64, 80},         {kAudioFormatEnhancedAC3, 1, 32, 32, 32},
-    {kAudioFormatEnhancedAC3, 2, 32, 32, 40}, {kAudioFormatEnhancedAC3, 3, 32, 40, 48},
-    {kAudioFormatEnhancedAC3, 4, 40, 56, 64}, {kAudioFormatEnhancedAC3, 6, 48, 64, 80},
+    {kAudioFormatAC3, 1, 32, 32, 32},         {kAudioFormatAC3, 2, 32, 40, 48},
+    {kAudioFormatAC3, 3, 40, 48, 56},         {kAudioFormatAC3, 4, 48, 64, 64},
+    {kAudioFormatAC3, 6, 56, 80, 96},         {kAudioFormatEnhancedAC3, 1, 32, 32, 32},
+    {kAudioFormatEnhancedAC3, 2, 32, 40, 48}, {kAudioFormatEnhancedAC3, 3, 40, 48, 56},
+    {kAudioFormatEnhancedAC3, 4, 48, 64, 80}, {kAudioFormatEnhancedAC3, 6, 56, 80, 96},
 };
 
 std::vector<UInt32> Between(Steps inSteps, UInt64 inLowest, UInt64 inHighest, UInt32 inFactor)
